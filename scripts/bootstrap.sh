@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build, the tests and the checks need.
+# Installs only what is missing; does nothing when everything is present.
+set -euo pipefail
+
+packages=(
+  g++
+  cmake
+  make
+  libzeroc-ice-dev
+  libgtest-dev
+  libgmock-dev
+  libbenchmark-dev
+  clang-format
+  tzdata
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
+  if [[ "$status" != "install ok installed" ]]; then
+    missing+=("$package")
+  fi
+done
+
+if [[ ${#missing[@]} -eq 0 ]]; then
+  exit 0
+fi
+
+if [[ $(id -u) -ne 0 ]]; then
+  echo "bootstrap: missing packages (${missing[*]}); run this script as root to install them" >&2
+  exit 1
+fi
+
+echo "bootstrap: installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+if ! apt-get update -qq; then
+  echo "bootstrap: apt-get update failed; check the machine's package sources" >&2
+  exit 1
+fi
+if ! apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null; then
+  echo "bootstrap: apt-get install failed for: ${missing[*]}" >&2
+  exit 1
+fi

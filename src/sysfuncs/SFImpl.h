@@ -1,0 +1,121 @@
+// The per-instance implementation object behind CSystemFuncs.
+//
+// SFImpl holds the state of one formula instance that is not the host's: the cached properties
+// of the main data source, the quote and account value cache, the bound account's identity and
+// the calendar cache of bar times. Each subsystem defines the operations it owns in its own
+// folder; this header declares them in one place, section by section.
+#ifndef SYSFUNCS_SYSFUNCS_SF_IMPL_H_
+#define SYSFUNCS_SYSFUNCS_SF_IMPL_H_
+
+#include "sysfuncs/DataAdapter.h"
+#include "sysfuncs/HostData.h"
+
+#include "util/LocalCalendar.h"
+
+#include <IceUtil/Shared.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+// A memoised quote or account value.
+struct CachedValue {
+  int32_t Kind = 0;  // 4 real, 10 integer
+  double RealValue = 0.0;
+  int32_t IntValue = 0;
+  std::string Text;  // left empty
+};
+
+class SFImpl : public IceUtil::Shared {
+ public:
+  // Attaches to the host's data object: takes references to its shared account and symbol
+  // cache (creating them when the host has none), caches the properties and price limits of
+  // data source 0, loads the rollover lists when the run starts at bar 0 and splits the bound
+  // account's identity.
+  explicit SFImpl(CQXBaseData* data);
+  ~SFImpl() override;
+
+  SFImpl(const SFImpl&) = delete;
+  SFImpl& operator=(const SFImpl&) = delete;
+
+  // --- Bars.
+  // Local calendar fields of the current bar's time.
+  sysfuncs::CalendarFields BarFields() {
+    return m_calendar.Fields(sysfuncs::InstantSeconds(CurrentBarRecord().Time));
+  }
+  bool IsLastBar() const { return m_pData->CurrentBar == m_pData->BarCount - 1; }
+  const QXDataSource& DataSource(int32_t dataIndex) const {
+    return (*m_pData->DataSources)[dataIndex];
+  }
+  const QXBar& CurrentBarRecord() const {
+    return DataSource(m_pData->CurrentData).Bars[m_pData->CurrentBar];
+  }
+  // Every series of the instance is a single-price series when the main one holds packed ticks.
+  bool SinglePriceBars() const { return m_bTickPacked; }
+
+  // --- Symbol properties (contract subsystem).
+  // Fills `list` with the 33 properties of a data source; false when the adapter does not know
+  // the symbol.
+  bool GetSymbolPropertyList(int32_t dataIndex, SymbolPropertyList& list);
+  // The cached list of a data source, loaded from the adapter when the cache has none; null when
+  // the adapter does not know the symbol (the next call asks again).
+  const SymbolPropertyList* ObtainSymbolPropertyList(int32_t dataIndex);
+  // Entry `id` of the current data source's list, loading and caching the list when needed; the
+  // invalid value of the type when the properties cannot be obtained.
+  int32_t GetIntProperty(int32_t id);
+  double GetDoubleProperty(int32_t id);
+  bool GetBoolProperty(int32_t id);
+  std::string GetStringProperty(int32_t id);
+  // Loads the rollover lists of the data sources marked "QXRollover".
+  void LoadRolloverLists();
+  // Start or end (0.HHMM) of trading session `index` of the current data source; the invalid
+  // number past the last session.
+  double GetSessionTime(int32_t index, bool end);
+  // Calendar days until the current data source's contract expires, today counted as 1.
+  int32_t TradingDayLeft();
+
+  // --- Quotes (live subsystem).
+  double GetQuoteReal(int32_t field, const char* name);
+
+  // --- Strategy state (strategy subsystem).
+  // Per-bar bookkeeping after the formula body has run on the current bar.
+  void BarCheckout();
+  // Empties the saved order records and resets the strategy state to its start.
+  void ResetStrategyState();
+  // Rolls the state back to the start of the current bar, which is evaluated anew.
+  void RollBackToCurrentBar();
+
+  // --- State.
+  bool m_bTickPacked = false;      // data source 0 holds packed ticks: bar type 2, interval 0
+  CQXBaseData* m_pData = nullptr;  // not owned
+  StrategyAccountPtr m_spStrategyAccount;
+  SymbolCachePtr m_spSymbolCache;
+
+  // Properties of data source 0, taken once at construction; the initial values stand when the
+  // adapter does not know the symbol.
+  int32_t m_nProp24 = 4;  // margin kind
+  int32_t m_nContractUnit = 1;
+  double m_dBigPointValue = 1.0;
+  double m_dContractSize = 1.0;
+  int32_t m_nMinMove = 1;
+  double m_dPriceScale = 1.0;
+  double m_dProp26 = 1.0;      // tick size
+  double m_dPointValue = 1.0;  // contract unit x big point value: the money value of one lot
+  double m_dUpperLimit = sysfuncs::kInvalidNumber;  // the day's price limits; invalid: none
+  double m_dLowerLimit = sysfuncs::kInvalidNumber;
+
+  // Quote and account values, by key; inserted once, never replaced.
+  std::map<std::string, CachedValue> m_valueCache;
+
+  // The bound account, split from the host's "number|code" broker key at construction.
+  int32_t m_nBrokerNo = 0;
+  std::string m_strBrokerCode;
+  std::string m_strAccountID;
+
+  sysfuncs::LocalCalendar m_calendar;  // local calendar fields of bar times
+
+ private:
+  void CachePrimarySymbol();
+};
+
+#endif  // SYSFUNCS_SYSFUNCS_SF_IMPL_H_

@@ -1,0 +1,72 @@
+#include "util/LocalCalendar.h"
+
+namespace sysfuncs {
+namespace {
+
+int64_t FloorDivide(int64_t value, int64_t divisor) {
+  const int64_t quotient = value / divisor;
+  return (value % divisor != 0 && (value < 0) != (divisor < 0)) ? quotient - 1 : quotient;
+}
+
+}  // namespace
+
+CalendarFields FieldsOfLocalSeconds(int64_t localSeconds) {
+  const int64_t days = FloorDivide(localSeconds, 86400);
+  const int64_t secondOfDay = localSeconds - days * 86400;
+
+  // Civil date of a day count since 1970-01-01 in the proleptic Gregorian calendar, counted in
+  // 400-year eras that start on 1 March so that the leap day ends a year.
+  const int64_t shifted = days + 719468;
+  const int64_t era = FloorDivide(shifted, 146097);
+  const int64_t dayOfEra = shifted - era * 146097;
+  const int64_t yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
+  const int64_t month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
+
+  CalendarFields fields;
+  fields.Year = static_cast<int32_t>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
+  fields.Month = static_cast<int32_t>(month);
+  fields.Day = static_cast<int32_t>(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1);
+  fields.Hour = static_cast<int32_t>(secondOfDay / 3600);
+  fields.Minute = static_cast<int32_t>(secondOfDay % 3600 / 60);
+  fields.Second = static_cast<int32_t>(secondOfDay % 60);
+  fields.Weekday =
+      static_cast<int32_t>(days - FloorDivide(days + 4, 7) * 7 + 4);  // 1970-01-01: Thu
+  return fields;
+}
+
+// Converts through the runtime; true when the answer equals the arithmetic one, so that the
+// offset may be cached (a zone that counts leap seconds never qualifies).
+bool LocalCalendar::Convert(int64_t seconds, CalendarFields& fields, int64_t& utcOffset) const {
+  return LocalFields(seconds, fields, utcOffset) &&
+         fields == FieldsOfLocalSeconds(seconds + utcOffset);
+}
+
+CalendarFields LocalCalendar::Fields(int64_t seconds) {
+  if (seconds >= first_ && seconds <= last_) return FieldsOfLocalSeconds(seconds + utcOffset_);
+
+  CalendarFields fields;
+  int64_t utcOffset = 0;
+  if (!Convert(seconds, fields, utcOffset)) {
+    first_ = 1;
+    last_ = 0;
+    return fields;
+  }
+  // A miss just past the interval means a dense series: verify the span ahead so that the next
+  // bars are answered from the cache. A sparse series (daily bars) pays one conversion per bar.
+  const bool dense = first_ <= last_ && seconds > last_ && seconds - last_ <= kVerifiedSpan;
+  first_ = last_ = seconds;
+  utcOffset_ = utcOffset;
+  if (dense) {
+    CalendarFields ahead;
+    int64_t aheadOffset = 0;
+    if (Convert(seconds + kVerifiedSpan, ahead, aheadOffset) && aheadOffset == utcOffset) {
+      last_ = seconds + kVerifiedSpan;
+    }
+  }
+  return fields;
+}
+
+}  // namespace sysfuncs

@@ -1,0 +1,37 @@
+// A per-instance cache of local calendar conversions for bar times.
+#ifndef SYSFUNCS_UTIL_LOCAL_CALENDAR_H_
+#define SYSFUNCS_UTIL_LOCAL_CALENDAR_H_
+
+#include "util/DateCodec.h"
+
+#include <cstdint>
+
+namespace sysfuncs {
+
+// Answers LocalFields(seconds) exactly, converting through the runtime only when `seconds` falls
+// outside an interval over which the zone's UTC offset is known to be constant; inside it the
+// fields follow from the local seconds by arithmetic. Bars arrive in time order, so after a
+// conversion the interval is extended ahead by a verified span and the following bars of a dense
+// series are answered without a conversion. Not thread-safe: one per formula instance.
+class LocalCalendar {
+ public:
+  CalendarFields Fields(int64_t seconds);
+
+ private:
+  // How far ahead a conversion verifies the offset. Two offset changes within this span would be
+  // missed; no zone changes its offset twice within a few hours.
+  static constexpr int64_t kVerifiedSpan = 6 * 3600;
+
+  bool Convert(int64_t seconds, CalendarFields& fields, int64_t& utcOffset) const;
+
+  int64_t first_ = 1;  // the interval [first_, last_] is empty while first_ > last_
+  int64_t last_ = 0;
+  int64_t utcOffset_ = 0;
+};
+
+// Calendar fields of local seconds since 1970 (UTC seconds plus the zone offset), by arithmetic.
+CalendarFields FieldsOfLocalSeconds(int64_t localSeconds);
+
+}  // namespace sysfuncs
+
+#endif  // SYSFUNCS_UTIL_LOCAL_CALENDAR_H_

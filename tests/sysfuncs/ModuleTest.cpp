@@ -1,0 +1,185 @@
+#include "sysfuncs/Environment.h"
+
+#include "output/Logger.h"
+#include "support/HostBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <string>
+#include <vector>
+
+namespace sysfuncs::testing {
+namespace {
+
+// Each test starts as if the module had just been loaded, and leaves no timer running.
+class Module : public ::testing::Test {
+ protected:
+  void SetUp() override { ResetEnvironmentForTesting(); }
+  void TearDown() override { ResetEnvironmentForTesting(); }
+};
+
+TEST_F(Module, InitStoresAdapterDirectoriesAndUser) {
+  CDataAdapter adapter;
+  int ignored = 0;
+  EXPECT_EQ(SysFuncs_Init(&ignored, &adapter, "D:\\Base", "u01"), 1);
+  CSFEnvPtr env = GetSFEnv();
+  EXPECT_EQ(env->m_pDataAdapter, &adapter);
+  EXPECT_EQ(env->GetBaseDir(), "D:\\Base");
+  EXPECT_EQ(env->GetUserDir(), "D:\\Base\\user\\u01");
+  EXPECT_EQ(env->GetUserID(), "u01");
+  EXPECT_EQ(env->m_nReserved, 1);
+
+  TestHost host;
+  host.AddSource("s", EvenBars(0, 60000, 1));
+  CSystemFuncs funcs(&host.data);
+  EXPECT_EQ(funcs.GetUserID(), "u01");
+  SysFuncs_Exit();
+}
+
+TEST_F(Module, UserIdIsEmptyBeforeInit) {
+  TestHost host;
+  host.AddSource("s", EvenBars(0, 60000, 1));
+  CSystemFuncs funcs(&host.data);
+  EXPECT_EQ(funcs.GetUserID(), "");
+}
+
+TEST_F(Module, ExitBeforeInitDoesNothing) {
+  SysFuncs_Exit();
+  CSFEnvPtr env = GetSFEnv();
+  EXPECT_FALSE(env->m_timer);
+  EXPECT_EQ(env->m_pDataAdapter, nullptr);
+}
+
+TEST_F(Module, SecondInitLeavesTheSecondValues) {
+  CDataAdapter first, second;
+  SysFuncs_Init(nullptr, &first, "/a", "one");
+  SysFuncs_Init(nullptr, &second, "/b", "two");
+  CSFEnvPtr env = GetSFEnv();
+  EXPECT_EQ(env->m_pDataAdapter, &second);
+  EXPECT_EQ(env->GetUserDir(), "/b\\user\\two");
+  EXPECT_EQ(env->GetUserID(), "two");
+  SysFuncs_Exit();
+}
+
+TEST_F(Module, UserDirectoryIsCutAt259Characters) {
+  const std::string base(250, 'b');
+  SysFuncs_Init(nullptr, nullptr, base.c_str(), "user01");
+  // 250 + "\user\" (6) + "user01" (6) = 262 characters, cut to 259.
+  EXPECT_EQ(GetSFEnv()->GetUserDir(), base + "\\user\\use");
+  EXPECT_EQ(GetSFEnv()->GetUserID(), "user01");
+  SysFuncs_Exit();
+}
+
+TEST_F(Module, InitSchedulesTheLoggerAndExitStopsTheTimer) {
+  SysFuncs_Init(nullptr, nullptr, "", "");
+  CSFEnvPtr env = GetSFEnv();
+  ASSERT_TRUE(env->m_timer);
+  ASSERT_TRUE(CTimerTask_LoggerPtr::dynamicCast(env->m_loggerTask));
+  // Cancelling answers whether the task was scheduled; put it back for the rest of the test.
+  EXPECT_TRUE(env->m_timer->cancel(env->m_loggerTask));
+  env->m_timer->scheduleRepeated(env->m_loggerTask, IceUtil::Time::seconds(3));
+  SysFuncs_Exit();
+  // The environment and the handles stay after exit; the timer is destroyed and schedules no more.
+  EXPECT_TRUE(env->m_timer);
+  EXPECT_THROW(env->m_timer->schedule(env->m_loggerTask, IceUtil::Time::seconds(3)),
+               IceUtil::IllegalArgumentException);
+}
+
+TEST_F(Module, EntryPointsAreExportedUnmangledAndInternalsAreHidden) {
+  void* module = dlopen(SYSFUNCS_SHARED_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(module, nullptr) << dlerror();
+  EXPECT_NE(dlsym(module, "SysFuncs_Init"), nullptr);
+  EXPECT_NE(dlsym(module, "SysFuncs_Exit"), nullptr);
+  EXPECT_EQ(dlsym(module, "_ZN8sysfuncs8GetSFEnvEv"), nullptr);  // sysfuncs::GetSFEnv()
+  dlclose(module);
+}
+
+// File output collected between two runs of the background writer.
+class FileOutput : public Module {
+ protected:
+  void SetUp() override {
+    Module::SetUp();
+    SysFuncsPlatform services;
+    services.SendToMsgCenter = [this](int kind, const Quill::MsgRecord* records, size_t count) {
+      EXPECT_EQ(kind, 1);
+      handOvers.emplace_back(records, records + count);
+      return 1;
+    };
+    services.Now = [this] { return now; };
+    platform = std::make_unique<ScopedPlatform>(services);
+  }
+  void TearDown() override {
+    Module::TearDown();
+    platform.reset();
+  }
+
+  std::vector<std::vector<Quill::MsgRecord>> handOvers;
+  int64_t now = 1700000000500;
+  std::unique_ptr<ScopedPlatform> platform;
+};
+
+TEST_F(FileOutput, LinesOfOneIntervalReachTheCentreInCallOrderWithOneTime) {
+  CTimerTask_LoggerPtr logger = new CTimerTask_Logger();
+  logger->runTimerTask();
+  EXPECT_TRUE(handOvers.empty()) << "nothing pending makes no hand-over";
+
+  logger->Append("b.txt", "first");
+  logger->Append("a.txt", "other file");
+  logger->Append("b.txt", "second");
+  logger->Append("B.txt", "letter case makes another file");
+  logger->runTimerTask();
+  ASSERT_EQ(handOvers.size(), 1u);
+  const std::vector<Quill::MsgRecord>& records = handOvers[0];
+  ASSERT_EQ(records.size(), 4u);
+  // Files in byte order ("B" < "a" < "b"), lines in call order.
+  const char* keys[] = {"FA[B.txt]", "FA[a.txt]", "FA[b.txt]", "FA[b.txt]"};
+  const char* texts[] = {"letter case makes another file", "other file", "first", "second"};
+  for (size_t i = 0; i < records.size(); ++i) {
+    EXPECT_EQ(records[i].Kind, 1) << i;
+    EXPECT_EQ(records[i].Zero, 0) << i;
+    EXPECT_STREQ(records[i].Key, keys[i]) << i;
+    EXPECT_STREQ(records[i].Text, texts[i]) << i;
+    EXPECT_EQ(records[i].Time, 1700000000) << i;
+  }
+  logger->runTimerTask();
+  EXPECT_EQ(handOvers.size(), 1u) << "the table was emptied";
+}
+
+TEST_F(FileOutput, LongLinesAndFileNamesAreCut) {
+  CTimerTask_LoggerPtr logger = new CTimerTask_Logger();
+  const std::string name(40, 'n');
+  logger->Append(name, std::string(300, 'x'));
+  logger->runTimerTask();
+  ASSERT_EQ(handOvers.size(), 1u);
+  const Quill::MsgRecord& record = handOvers[0][0];
+  EXPECT_EQ(std::string(record.Key), "FA[" + std::string(28, 'n'));  // 31 characters
+  EXPECT_EQ(std::string(record.Text), std::string(259, 'x'));
+}
+
+TEST_F(FileOutput, DestroyingTheLoggerHandsOverItsLastLines) {
+  {
+    CTimerTask_LoggerPtr logger = new CTimerTask_Logger();
+    logger->Append("a.txt", "last words");
+  }
+  ASSERT_EQ(handOvers.size(), 1u);
+  EXPECT_STREQ(handOvers[0][0].Text, "last words");
+}
+
+TEST_F(FileOutput, FileAppendNeedsAStartedModule) {
+  TestHost host;
+  host.AddSource("s", EvenBars(0, 60000, 1));
+  CSystemFuncs funcs(&host.data);
+  EXPECT_THROW(funcs.FileAppend("a.txt", "x"), IceUtil::NullHandleException);
+
+  SysFuncs_Init(nullptr, nullptr, "", "");
+  EXPECT_TRUE(funcs.FileAppend("a.txt", "queued"));
+  CTimerTask_LoggerPtr::dynamicCast(GetSFEnv()->m_loggerTask)->runTimerTask();
+  ASSERT_EQ(handOvers.size(), 1u);
+  EXPECT_STREQ(handOvers[0][0].Key, "FA[a.txt]");
+  EXPECT_STREQ(handOvers[0][0].Text, "queued");
+  SysFuncs_Exit();
+}
+
+}  // namespace
+}  // namespace sysfuncs::testing
