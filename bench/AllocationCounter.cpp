@@ -10,9 +10,11 @@ std::atomic<long> allocations{0};
 
 long AllocationCount() { return allocations.load(std::memory_order_relaxed); }
 
-// The standard operator delete frees with free(), which matches.
+// Paired with operator delete below: malloc and free.
 void* operator new(std::size_t size) {
   allocations.fetch_add(1, std::memory_order_relaxed);
   if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
   throw std::bad_alloc();
 }
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }

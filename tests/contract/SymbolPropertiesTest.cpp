@@ -1,6 +1,7 @@
 #include "sysfuncs/SFImpl.h"
 
 #include "contract/PropertyNumbers.h"
+#include "support/AllocationCounter.h"
 #include "support/FakeAdapter.h"
 #include "support/HostBuilder.h"
 
@@ -8,21 +9,7 @@
 
 #include <cstdlib>
 #include <memory>
-#include <new>
 #include <string>
-
-// Counts the allocations of the calling thread while `countAllocations` is set. The standard
-// operator delete frees with free(), which matches.
-namespace {
-thread_local bool countAllocations = false;
-thread_local int allocations = 0;
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (countAllocations) ++allocations;
-  if (void* block = std::malloc(size != 0 ? size : 1)) return block;
-  throw std::bad_alloc();
-}
 
 namespace sysfuncs::testing {
 namespace {
@@ -426,13 +413,11 @@ TEST(PropertyGetters, CachedNumbersAndFlagsAreReadWithoutAllocating) {
   s.host.At(1, 0);
   ASSERT_EQ(funcs.BigPointValue(), kBigPointValue);  // loads and caches the list
 
-  countAllocations = true;
-  allocations = 0;
+  AllocationCounter counter;
   const double bigPointValue = funcs.BigPointValue();
   const bool canTrade = funcs.CanTrade();
   const int32_t sessions = funcs.GetSessionCount();
-  countAllocations = false;
-  EXPECT_EQ(allocations, 0);
+  EXPECT_EQ(counter.Count(), 0);
   EXPECT_EQ(bigPointValue, kBigPointValue);
   EXPECT_TRUE(canTrade);
   EXPECT_EQ(sessions, 4);
