@@ -1,7 +1,12 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build, the tests and the checks need.
-# Installs only what is missing; does nothing when everything is present.
+# Installs the Debian packages the build and the tests need; with --checks, also those of
+# scripts/check.sh. Installs only what is missing; does nothing when everything is present.
 set -euo pipefail
+
+if [[ $# -gt 1 || ( $# -eq 1 && "$1" != "--checks" ) ]]; then
+  echo "usage: bootstrap.sh [--checks]" >&2
+  exit 2
+fi
 
 packages=(
   g++
@@ -14,6 +19,9 @@ packages=(
   clang-format
   tzdata
 )
+if [[ "${1:-}" == "--checks" ]]; then
+  packages+=(clang-tidy)
+fi
 
 missing=()
 for package in "${packages[@]}"; do

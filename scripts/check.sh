@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Runs every check a reviewer would: format, each public header compiled on its own, and the test
-# suites under AddressSanitizer + UndefinedBehaviorSanitizer. Exits non-zero on the first failure.
+# Runs every check a reviewer would: format, each public header compiled on its own, clang-tidy,
+# and the test suites under AddressSanitizer + UndefinedBehaviorSanitizer and under
+# ThreadSanitizer. Exits non-zero on the first failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-./scripts/bootstrap.sh
+./scripts/bootstrap.sh --checks
 
 echo "== format"
 mapfile -t sources < <(git ls-files --cached --others --exclude-standard -- '*.h' '*.cpp')
@@ -22,5 +23,22 @@ cmake -S . -B build-asan -DCMAKE_BUILD_TYPE=Debug -DSYSFUNCS_SANITIZE=address,un
 cmake --build build-asan -j2
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build-asan --output-on-failure
+
+echo "== clang-tidy"
+# clang reads the sources as UTF-8 texts; the code page of the literals does not matter here.
+mapfile -t library < <(git ls-files --cached --others --exclude-standard -- 'src/*.cpp')
+findings=$(clang-tidy -p build-asan --quiet --extra-arg=-fexec-charset=UTF-8 "${library[@]}" \
+  2>/dev/null | grep -E "(warning|error):" || true)
+if [[ -n "$findings" ]]; then
+  echo "$findings" >&2
+  echo "check: clang-tidy has findings" >&2
+  exit 1
+fi
+
+echo "== tests under ThreadSanitizer"
+cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=Debug -DSYSFUNCS_SANITIZE=thread \
+  -DSYSFUNCS_BUILD_BENCH=OFF -DSYSFUNCS_BUILD_EXAMPLES=OFF >/dev/null
+cmake --build build-tsan -j2
+TSAN_OPTIONS=halt_on_error=1 ctest --test-dir build-tsan --output-on-failure
 
 echo "check: all clean"
