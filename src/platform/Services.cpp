@@ -10,10 +10,12 @@ namespace {
 
 std::mutex servicesMutex;
 
+// Never destroyed: the environment's logger hands over its last lines through these services
+// when the module unloads, after function-local statics made later than it are gone.
 std::shared_ptr<const SysFuncsPlatform>& CurrentServices() {
-  static std::shared_ptr<const SysFuncsPlatform> services =
-      std::make_shared<const SysFuncsPlatform>(SysFuncs_DefaultPlatform());
-  return services;
+  static auto* services = new std::shared_ptr<const SysFuncsPlatform>(
+      std::make_shared<const SysFuncsPlatform>(SysFuncs_DefaultPlatform()));
+  return *services;
 }
 
 template <typename Service>

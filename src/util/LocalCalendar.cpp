@@ -39,7 +39,7 @@ CalendarFields FieldsOfLocalSeconds(int64_t localSeconds) {
 
 // Converts through the runtime; true when the answer equals the arithmetic one, so that the
 // offset may be cached (a zone that counts leap seconds never qualifies).
-bool LocalCalendar::Convert(int64_t seconds, CalendarFields& fields, int64_t& utcOffset) const {
+static bool Convert(int64_t seconds, CalendarFields& fields, int64_t& utcOffset) {
   return LocalFields(seconds, fields, utcOffset) &&
          fields == FieldsOfLocalSeconds(seconds + utcOffset);
 }

@@ -22,8 +22,6 @@ class LocalCalendar {
   // missed; no zone changes its offset twice within a few hours.
   static constexpr int64_t kVerifiedSpan = 6 * 3600;
 
-  bool Convert(int64_t seconds, CalendarFields& fields, int64_t& utcOffset) const;
-
   int64_t first_ = 1;  // the interval [first_, last_] is empty while first_ > last_
   int64_t last_ = 0;
   int64_t utcOffset_ = 0;

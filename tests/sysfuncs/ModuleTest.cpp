@@ -5,8 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <dlfcn.h>
+#include <fstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace sysfuncs::testing {
@@ -179,6 +182,30 @@ TEST_F(FileOutput, FileAppendNeedsAStartedModule) {
   EXPECT_STREQ(handOvers[0][0].Key, "FA[a.txt]");
   EXPECT_STREQ(handOvers[0][0].Text, "queued");
   SysFuncs_Exit();
+}
+
+TEST(ModuleShutdown, LinesAppendedBeforeExitReachTheirFileWhenTheModuleUnloads) {
+  const std::string file = "/tmp/sfexit" + std::to_string(getpid());
+  std::remove(file.c_str());
+  // The child appends, stops the module and ends at once, long before the writer's 3 seconds:
+  // the stopped timer lets go of the logger, which hands the line over through the default
+  // message centre when the environment goes at unload.
+  EXPECT_EXIT(
+      {
+        SysFuncs_Init(nullptr, nullptr, "", "");
+        TestHost host;
+        host.AddSource("s", EvenBars(0, 60000, 1));
+        CSystemFuncs funcs(&host.data);
+        funcs.FileAppend(file, "written at exit");
+        SysFuncs_Exit();
+        std::exit(0);
+      },
+      ::testing::ExitedWithCode(0), "");
+  std::ifstream written(file);
+  std::string line;
+  EXPECT_TRUE(std::getline(written, line));
+  EXPECT_EQ(line, "written at exit");
+  std::remove(file.c_str());
 }
 
 }  // namespace
