@@ -45,27 +45,32 @@ static bool Convert(int64_t seconds, CalendarFields& fields, int64_t& utcOffset)
 }
 
 CalendarFields LocalCalendar::Fields(int64_t seconds) {
-  if (seconds >= first_ && seconds <= last_) return FieldsOfLocalSeconds(seconds + utcOffset_);
-
+  if (asked_ && seconds == lastAsked_) return lastFields_;
   CalendarFields fields;
-  int64_t utcOffset = 0;
-  if (!Convert(seconds, fields, utcOffset)) {
-    first_ = 1;
-    last_ = 0;
-    return fields;
-  }
-  // A miss just past the interval means a dense series: verify the span ahead so that the next
-  // bars are answered from the cache. A sparse series (daily bars) pays one conversion per bar.
-  const bool dense = first_ <= last_ && seconds > last_ && seconds - last_ <= kVerifiedSpan;
-  first_ = last_ = seconds;
-  utcOffset_ = utcOffset;
-  if (dense) {
-    CalendarFields ahead;
-    int64_t aheadOffset = 0;
-    if (Convert(seconds + kVerifiedSpan, ahead, aheadOffset) && aheadOffset == utcOffset) {
-      last_ = seconds + kVerifiedSpan;
+  if (seconds >= first_ && seconds <= last_) {
+    fields = FieldsOfLocalSeconds(seconds + utcOffset_);
+  } else {
+    int64_t utcOffset = 0;
+    const bool representable = LocalFields(seconds, fields, utcOffset);
+    // Just past what is known: a dense series. Verify this instant and the span ahead, so that
+    // the next bars are answered from the cache. A sparse series (daily bars) pays one conversion
+    // per bar and nothing more.
+    const bool dense = known_ && seconds > latestKnown_ && seconds - latestKnown_ <= kVerifiedSpan;
+    latestKnown_ = seconds;
+    known_ = representable;
+    if (representable && dense && fields == FieldsOfLocalSeconds(seconds + utcOffset)) {
+      CalendarFields ahead;
+      int64_t aheadOffset = 0;
+      if (Convert(seconds + kVerifiedSpan, ahead, aheadOffset) && aheadOffset == utcOffset) {
+        first_ = seconds;
+        last_ = latestKnown_ = seconds + kVerifiedSpan;
+        utcOffset_ = utcOffset;
+      }
     }
   }
+  lastAsked_ = seconds;
+  asked_ = true;
+  lastFields_ = fields;
   return fields;
 }
 
