@@ -252,15 +252,28 @@ struct SideResult {
 };
 
 // The end-of-run performance report, computed on the last bar; which parts are filled depends
-// on the output mode.
+// on the output mode. Trade figures are booked values: money, or returns in percent in
+// PercentMode. Ratios are fractions.
 struct PerformanceReport {
   bool HasSummary = false;
   bool HasTradeAnalysis = false;
-  bool HasPeriods = false;
+  bool HasDetail = false;
+
+  // Summary.
+  double InitCapital = 0.0;
+  double FinalEquity = 0.0;
   double NetProfit = 0.0;
   double GrossProfit = 0.0;
   double GrossLoss = 0.0;
   double ProfitFactor = 0.0;
+  double MaxDrawDown = 0.0;
+  double MaxDrawDownRatio = 0.0;
+  double ReturnOnInitialCapital = 0.0;
+  double AnnualReturn = 0.0;
+  double SharpeRatio = 0.0;   // of the per-bar equity returns, not annualised
+  double TimeInMarket = 0.0;  // share of the bars with lots held
+
+  // Trade analysis.
   int32_t TotalTrades = 0;
   int32_t WinningTrades = 0;
   int32_t LosingTrades = 0;
@@ -276,14 +289,13 @@ struct PerformanceReport {
   int32_t MaxConsecLosers = 0;
   double AvgBarsWinners = 0.0;
   double AvgBarsLosers = 0.0;
-  double MaxDrawDown = 0.0;
-  double MaxDrawDownRatio = 0.0;
-  double ReturnOnInitialCapital = 0.0;
-  double AnnualReturn = 0.0;
-  double SharpeRatio = 0.0;
-  double TimeInMarket = 0.0;
   SideResult Long;
   SideResult Short;
+
+  // Detail.
+  double MarginUse = 0.0;      // share of the bars with margin in use
+  double MaxMarginUsed = 0.0;  // highest total margin of a bar
+  double MaxLotsHeld = 0.0;    // highest total lots of a bar
   std::vector<PeriodResult> Years;
   std::vector<PeriodResult> Months;
 };
@@ -307,7 +319,8 @@ class StrategyAccount : public IceUtil::Shared {
   AccountStatistics Stats;
   std::vector<TradeRecord> Trades;  // every closed trade of every series
   int32_t FinalPosition = 0;
-  std::map<int32_t, std::vector<OrderRecord>> BarOrders;  // orders by the bar they executed on
+  // Orders by the bar they executed on, recorded when that bar is checked out.
+  std::map<int32_t, std::vector<OrderRecord>> BarOrders;
   ReportDetail Detail;
   PerformanceReport Report;
   AccountStatistics SavedStats;  // taken on the last-but-one bar

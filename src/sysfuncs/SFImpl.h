@@ -10,6 +10,8 @@
 #include "sysfuncs/DataAdapter.h"
 #include "sysfuncs/HostData.h"
 
+#include "strategy/LedgerStatistics.h"
+#include "strategy/SignalOrders.h"
 #include "util/LocalCalendar.h"
 
 #include <IceUtil/Shared.h>
@@ -84,6 +86,54 @@ class SFImpl : public IceUtil::Shared {
   void ResetStrategyState();
   // Rolls the state back to the start of the current bar, which is evaluated anew.
   void RollBackToCurrentBar();
+  // Starts the account, every ledger and the equity curve over, as of CurrentBar.
+  void ResetStrategy();
+  // Grows the host's ledgers and cost settings to one per data source.
+  void CoverEverySeries();
+
+  // Signal orders on the current series, executed at once on the current bar; `origin` (an
+  // OrderOrigin) is or-ed into the kinds of the records. True when the order (both legs of a
+  // reversal) executed.
+  bool Buy(double lots, double price, uint32_t origin);
+  bool Sell(double lots, double price, uint32_t origin);
+  bool SellShort(double lots, double price, uint32_t origin);
+  bool BuyToCover(double lots, double price, uint32_t origin);
+  // 1 long, -1 short, 0 flat: the position of the current series.
+  int32_t MarketPosition();
+  // Realised capital less the margin of every open position at its current bar's Open.
+  double AvailableCapital();
+
+  // Series as the order engine sees them. Data source 0 trades under the cached values above,
+  // the others under their property lists.
+  sysfuncs::ContractTerms TermsOf(int32_t dataIndex);
+  // Bar CurrentBar of a data source (its last bar when it has fewer).
+  const QXBar& SeriesBar(int32_t dataIndex) const;
+  // Index of that bar: CurrentBar, or the series' last bar when it has fewer bars (-1: none).
+  int32_t SeriesBarIndex(int32_t dataIndex) const;
+  // The day's price limits of a data source; the invalid number where there is none.
+  sysfuncs::PriceLimits DayPriceLimits(int32_t dataIndex);
+  StrategyLedger& CurrentLedger();
+  sysfuncs::SeriesView SeriesOf(int32_t dataIndex);
+  sysfuncs::SeriesView CurrentSeries() { return SeriesOf(m_pData->CurrentData); }
+  sysfuncs::OrderContext CurrentOrderContext();
+  // A counted reference to the strategy account, held for the duration of a read.
+  StrategyAccountPtr SharedAccount() const { return m_spStrategyAccount; }
+
+  // Portfolio statistics that sum over the series.
+  double PortfolioCurrentCapital();
+  double PortfolioUsedMargin();
+  double PortfolioPositionProfit();
+  int32_t PortfolioCurrentEntries();
+  double PortfolioMaxDrawDown();
+  double PortfolioMaxDrawDownRatio();
+
+  // Steps of the checkout.
+  void RepositionRollovers();
+  // Values the positions and records the bar's equity point, drawdown and orders.
+  void RecordBar();
+  void FollowCheckPoint();
+  // The end of the run on the last bar.
+  void SettleRun();
 
   // --- State.
   bool m_bTickPacked = false;      // data source 0 holds packed ticks: bar type 2, interval 0

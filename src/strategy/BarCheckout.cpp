@@ -1,0 +1,181 @@
+// The per-bar checkout: rollover re-positioning, valuation, equity point and drawdown, the copy
+// of the state the last bar starts from, and the stock-picking follow-through.
+#include "strategy/BarCheckout.h"
+
+#include "sysfuncs/SFImpl.h"
+
+#include "strategy/EquityCurve.h"
+#include "strategy/LedgerStatistics.h"
+#include "strategy/PositionValuation.h"
+#include "strategy/SeriesAccess.h"
+#include "strategy/StrategyState.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace sysfuncs {
+namespace {
+
+// The orders of `bar` at the end of a series' order list: [first, orders.end()).
+std::vector<OrderRecord>::const_iterator FirstOrderOfBar(const std::vector<OrderRecord>& orders,
+                                                         int32_t bar) {
+  auto first = orders.end();
+  while (first != orders.begin() && std::prev(first)->Bar == bar) --first;
+  return first;
+}
+
+}  // namespace
+
+bool HasRolloverOnBar(const std::vector<RolloverPoint>& rollovers, int32_t bar) {
+  const auto found =
+      std::lower_bound(rollovers.begin(), rollovers.end(), bar,
+                       [](const RolloverPoint& point, int32_t value) { return point.Bar < value; });
+  return found != rollovers.end() && found->Bar == bar;
+}
+
+const CheckPointRecord* FollowThroughDecision(const std::map<int64_t, CheckPointRecord>& points,
+                                              int32_t bar) {
+  if (points.empty()) return nullptr;
+  const CheckPointRecord& latest = points.rbegin()->second;
+  if (latest.Bar != bar || latest.Signal == -999 || latest.Enabled == 0) return nullptr;
+  return &latest;
+}
+
+double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
+  double cost = 0.0;
+  for (auto order = FirstOrderOfBar(orders, bar); order != orders.end(); ++order) {
+    cost += order->Cost;
+  }
+  return cost;
+}
+
+void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
+                     const std::vector<StrategyLedger>& ledgers, int32_t bar) {
+  const bool anyOrder = std::any_of(ledgers.begin(), ledgers.end(), [bar](const auto& ledger) {
+    return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
+  });
+  if (!anyOrder) {
+    // The bar may have had orders when it was evaluated before.
+    if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
+      barOrders.erase(std::prev(barOrders.end()));
+    }
+    return;
+  }
+  std::vector<OrderRecord>& orders = barOrders[bar];
+  orders.clear();
+  for (const StrategyLedger& ledger : ledgers) {
+    orders.insert(orders.end(), FirstOrderOfBar(ledger.Orders, bar), ledger.Orders.end());
+  }
+}
+
+}  // namespace sysfuncs
+
+void SFImpl::BarCheckout() {
+  CQXBaseData& data = *m_pData;
+  const int32_t bar = data.CurrentBar;
+  const int32_t barCount = data.BarCount;
+  if (bar == barCount - 1) {
+    if (data.ResetPending > 0 && data.ResetBar > bar) {
+      data.ResetPending = 0;
+      ResetStrategy();
+    }
+    SettleRun();
+    return;
+  }
+  if (data.ResetPending > 0 && data.ResetBar == bar + 1) {
+    data.ResetPending = 0;
+    ResetStrategy();
+  }
+  RepositionRollovers();
+  RecordBar();
+  if (bar == barCount - 2) sysfuncs::SaveLastBarStart(*m_spStrategyAccount, data.Ledgers);
+  FollowCheckPoint();
+}
+
+void SFImpl::RepositionRollovers() {
+  const std::vector<std::vector<RolloverPoint>>& lists = m_spSymbolCache->Rollovers;
+  const int32_t count = std::min(static_cast<int32_t>(lists.size()), m_pData->DataCount);
+  if (count <= 0) return;
+  const sysfuncs::CurrentDataScope scope(m_pData);
+  for (int32_t index = 0; index < count; ++index) {
+    const StrategyLedger& ledger = m_pData->Ledgers[index];
+    if (lists[index].empty() || ledger.OpenEntries.empty()) continue;
+    // A rollover belongs to the first bar stamped after it: the position moves at that bar.
+    const int32_t barIndex = SeriesBarIndex(index);
+    if (!sysfuncs::HasRolloverOnBar(lists[index], barIndex)) continue;
+    const QXBar& bar = DataSource(index).Bars[barIndex];
+    m_pData->CurrentData = index;
+    const double lots = std::fabs(sysfuncs::CurrentContracts(ledger));
+    const int32_t position = sysfuncs::MarketPosition(ledger);
+    // The position moves to the new contract at the bar's Open.
+    if (position == 1) {
+      Sell(0.0, bar.Open, kOriginRollover);
+      Buy(lots, bar.Open, kOriginRollover);
+    } else if (position == -1) {
+      BuyToCover(0.0, bar.Open, kOriginRollover);
+      SellShort(lots, bar.Open, kOriginRollover);
+    }
+  }
+}
+
+void SFImpl::RecordBar() {
+  CQXBaseData& data = *m_pData;
+  StrategyAccount& account = *m_spStrategyAccount;
+  const int32_t bar = data.CurrentBar;
+  sysfuncs::PositionValue total;
+  double barCost = 0.0;
+  for (int32_t index = 0; index < data.DataCount; ++index) {
+    StrategyLedger& ledger = data.Ledgers[index];
+    if (!ledger.Orders.empty() && ledger.Orders.back().Bar == bar) {
+      barCost += sysfuncs::CostOfBarOrders(ledger.Orders, bar);
+    }
+    sysfuncs::PositionValue value;
+    if (!ledger.OpenEntries.empty()) {
+      value = sysfuncs::ValuePosition(ledger.OpenEntries, SeriesBar(index), bar, SinglePriceBars(),
+                                      TermsOf(index), data.CostSettings[index]);
+      total += value;
+    }
+    sysfuncs::UpdateOpenExtremes(ledger.Stats, value);
+  }
+
+  EquityPoint point;
+  point.Bar = bar;
+  point.Time = data.DataCount > 0 ? SeriesBar(0).Time : 0;
+  point.LongMargin = total.LongMargin;
+  point.ShortMargin = total.ShortMargin;
+  point.LongLots = total.LongLots;
+  point.ShortLots = total.ShortLots;
+  point.Equity = account.Capital + total.OpenProfit;
+  point.Available = point.Equity - total.LongMargin - total.ShortMargin;
+  point.PercentEquity = total.OpenReturn + account.CumReturn;
+  point.OpenReturn = total.OpenReturn;
+  point.BarCost = barCost;
+  point.Capital = account.Capital;
+  const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
+
+  const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
+  const bool reportRun = data.OutputMode == 1 || data.OutputMode == 2;
+  sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode,
+                           reportRun ? &account.Detail : nullptr);
+  if (reportRun) sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
+  sysfuncs::RecordBarOrders(account.BarOrders, data.Ledgers, bar);
+}
+
+void SFImpl::FollowCheckPoint() {
+  const int32_t bar = m_pData->CurrentBar;
+  const CheckPointRecord* decision =
+      sysfuncs::FollowThroughDecision(m_spStrategyAccount->CheckPoints, bar);
+  if (decision == nullptr) return;
+  const int32_t signal = decision->Signal;
+  // The decision is carried out at the next bar's Open, as an order of that bar.
+  const sysfuncs::CurrentDataScope scope(m_pData);
+  m_pData->CurrentBar = bar + 1;
+  const double open = SeriesBar(m_pData->CurrentData).Open;
+  const int32_t position = MarketPosition();
+  if (signal == 1 && position != 1) {
+    Buy(1.0, open, kOriginStockPicking);
+  } else if (signal == -1 && position != -1) {
+    SellShort(1.0, open, kOriginStockPicking);
+  }
+}

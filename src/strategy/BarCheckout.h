@@ -1,0 +1,31 @@
+// The per-bar checkout of the strategy: the pieces that work on plain records.
+#ifndef SYSFUNCS_STRATEGY_BAR_CHECKOUT_H_
+#define SYSFUNCS_STRATEGY_BAR_CHECKOUT_H_
+
+#include "sysfuncs/HostData.h"
+
+#include <cstdint>
+#include <map>
+#include <vector>
+
+namespace sysfuncs {
+
+// Whether a rollover list (in bar order) holds a rollover that falls in bar `bar`.
+bool HasRolloverOnBar(const std::vector<RolloverPoint>& rollovers, int32_t bar);
+
+// The stock-picking decision to follow through after bar `bar`: the check point with the
+// greatest key when it was made on `bar`, is a decision (not -999) and is enabled; else null.
+const CheckPointRecord* FollowThroughDecision(const std::map<int64_t, CheckPointRecord>& points,
+                                              int32_t bar);
+
+// Sum of the costs of a series' orders executed on `bar` (the orders at the end of the list).
+double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar);
+
+// Keeps `barOrders[bar]` equal to the orders every series executed on `bar`, in series order;
+// a bar without orders has no entry. Costs nothing on a bar without orders.
+void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
+                     const std::vector<StrategyLedger>& ledgers, int32_t bar);
+
+}  // namespace sysfuncs
+
+#endif  // SYSFUNCS_STRATEGY_BAR_CHECKOUT_H_

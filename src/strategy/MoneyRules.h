@@ -1,0 +1,61 @@
+// The money rules of the order engine: margin, commission, slippage, order costs, the profit of
+// one lot and the tick grid. Pure functions on plain values.
+#ifndef SYSFUNCS_STRATEGY_MONEY_RULES_H_
+#define SYSFUNCS_STRATEGY_MONEY_RULES_H_
+
+#include "sysfuncs/HostData.h"
+
+#include <cstdint>
+
+namespace sysfuncs {
+
+// The contract values of one series that the money rules read.
+struct ContractTerms {
+  int32_t MarginKind = 4;  // 1 to 5; any other kind has no margin and no profit
+  double ContractSize = 1.0;
+  double LotValue = 1.0;  // contract unit x big point value: money per price unit and lot
+  double TickSize = 1.0;
+};
+
+// Which way a price is moved onto the tick grid: buys round up, sells round down.
+enum class PriceDirection { kBuy, kSell };
+
+// Tolerance of the order engine for zero and equality of prices and amounts.
+inline constexpr double kAmountTolerance = 0.0001;
+
+// Margin of `lots` lots at `price`: kind 1 ContractSize x lots x price x rate; kinds 2 and 3
+// ContractSize x lots x rate; kind 4 LotValue x lots x price x rate; kind 5 LotValue x lots x
+// price (no rate); any other kind 0.
+double Margin(const ContractTerms& terms, const CostSetting& cost, double lots, double price);
+
+// Commission of `lots` lots at `price`, by the commission kind: 1 ticks per lot, 2 a fraction of
+// the turnover in units of 1/10000, any other kind money per lot.
+double Commission(const ContractTerms& terms, const CostSetting& cost, double lots, double price);
+
+// Slippage of the whole lots of `lots`: money per lot, or ticks per lot when SlippageKind is set.
+double Slippage(const ContractTerms& terms, const CostSetting& cost, double lots);
+
+// Cost of an entry order: slippage, plus commission unless entries are commission-free.
+double EntryCost(const ContractTerms& terms, const CostSetting& cost, double lots, double price);
+
+// Cost of closing `lots` lots at `price`: slippage, plus commission unless same-day exits are
+// free and the exit is on its entry's trading day.
+double ExitCost(const ContractTerms& terms, const CostSetting& cost, double lots, double price,
+                bool sameTradingDay);
+
+// Profit of one lot bought (`isLong`) or sold short at `entryPrice` and valued at `price`: kinds
+// 4 and 5 LotValue x (price - entry); kind 1 ContractSize x (price - entry); kinds 2 and 3
+// ContractSize x (price - entry) / price; any other kind 0. A short lot gains (entry - price).
+double PerLotProfit(const ContractTerms& terms, bool isLong, double entryPrice, double price);
+
+// Return of `profit` on the margin of one lot at `entryPrice`.
+double ReturnOnMargin(const ContractTerms& terms, const CostSetting& cost, double profit,
+                      double entryPrice);
+
+// `price` moved onto the tick grid of `tickSize`, up for a buy and down for a sell, except that a
+// price within 1% of a tick of the grid point on the other side goes to that point.
+double RoundToTick(double price, double tickSize, PriceDirection direction);
+
+}  // namespace sysfuncs
+
+#endif  // SYSFUNCS_STRATEGY_MONEY_RULES_H_

@@ -1,0 +1,41 @@
+// Valuation of a series' open position on the bar being checked out.
+#ifndef SYSFUNCS_STRATEGY_POSITION_VALUATION_H_
+#define SYSFUNCS_STRATEGY_POSITION_VALUATION_H_
+
+#include "sysfuncs/HostData.h"
+
+#include "strategy/MoneyRules.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace sysfuncs {
+
+// Margin, lots and open profit of a position, by side, at the bar's Close, and its best-case and
+// worst-case open profit within the bar.
+struct PositionValue {
+  double LongMargin = 0.0;
+  double ShortMargin = 0.0;
+  double LongLots = 0.0;
+  double ShortLots = 0.0;
+  double OpenProfit = 0.0;  // at the Close
+  double OpenReturn = 0.0;  // sum of the entries' profit at the Close x 100 / margin of one lot
+  double BestProfit = 0.0;  // at the High for long entries, at the Low for short ones
+  double WorstProfit = 0.0;
+
+  PositionValue& operator+=(const PositionValue& other);
+};
+
+// Values `entries` on bar `barIndex` (`bar`). An entry made on that bar, and every entry of a
+// single-price series, is valued at the Close only; earlier entries reach the High and the Low.
+PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& bar,
+                            int32_t barIndex, bool singlePriceBars, const ContractTerms& terms,
+                            const CostSetting& cost);
+
+// Moves the series' running open-profit extremes out to the position's best and worst case; a
+// flat series moves them towards 0.
+void UpdateOpenExtremes(LedgerStatistics& stats, const PositionValue& value);
+
+}  // namespace sysfuncs
+
+#endif  // SYSFUNCS_STRATEGY_POSITION_VALUATION_H_

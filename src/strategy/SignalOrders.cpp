@@ -1,0 +1,208 @@
+// Signal orders: the pure rules, and the signal operations of SFImpl that address the current
+// series and apply them.
+#include "strategy/SignalOrders.h"
+
+#include "sysfuncs/SFImpl.h"
+
+#include "platform/Services.h"
+#include "strategy/LedgerStatistics.h"
+#include "strategy/SeriesAccess.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace sysfuncs {
+namespace {
+
+constexpr int64_t kMillisPerDay = 86400000;
+constexpr double kLotRounding = 0.01;  // added before a lot count is truncated
+constexpr double kLowestLots = -0.01;  // a lot argument below this is refused
+
+bool IsNoTradeBar(const QXBar& bar) {
+  return bar.Vol < kAmountTolerance && std::fabs(bar.High - bar.Low) < kAmountTolerance;
+}
+
+}  // namespace
+
+double WholeLots(double lots) { return std::trunc(lots + kLotRounding); }
+
+bool IsOnOrAfterToday(int64_t barTime, int64_t nowMillis) {
+  return barTime / kMillisPerDay >= nowMillis / kMillisPerDay;
+}
+
+double ExecutionPrice(double price, PriceDirection direction, const QXBar& bar,
+                      const PriceRules& rules, const PriceLimits* limits) {
+  if (IsMarketOrder(price)) return RoundToTick(bar.Close, rules.TickSize, direction);
+  if (rules.LastBar) {
+    double result = RoundToTick(price, rules.TickSize, direction);
+    if (limits != nullptr) {
+      if (limits->Upper != kInvalidNumber && result > limits->Upper) result = limits->Upper;
+      if (limits->Lower != kInvalidNumber && result < limits->Lower) result = limits->Lower;
+    }
+    return result;
+  }
+  // A limit order on a bar without trading executes at 0.0 on purpose: value-based margin kinds
+  // then size an entry to nothing, and an exit closes at that price.
+  if (!rules.SinglePriceBars && IsNoTradeBar(bar)) return 0.0;
+  const double high = rules.SinglePriceBars ? bar.Close : bar.High;
+  const double low = rules.SinglePriceBars ? bar.Close : bar.Low;
+  return RoundToTick(std::max(std::min(price, high), low), rules.TickSize, direction);
+}
+
+double AffordableLots(double money, double oneLotMargin) {
+  if (money < oneLotMargin) return 0.0;
+  if (!(oneLotMargin > 0.0)) return 0.0;
+  const double lots = money / oneLotMargin;
+  return lots > kMaxAffordableLots ? kMaxAffordableLots : std::trunc(lots);
+}
+
+double DefaultLots(const CQXBaseData& settings, double capital, double oneLotMargin) {
+  const double value = settings.DefaultLotsValue;
+  switch (settings.DefaultLotsMode) {
+    case 0:
+      return AffordableLots(capital, oneLotMargin) >= value ? value : 0.0;
+    case 1:
+      return AffordableLots(value * capital / 100.0, oneLotMargin);
+    case 2:
+      return value > capital ? 0.0 : AffordableLots(value, oneLotMargin);
+    default:
+      return 0.0;
+  }
+}
+
+bool ExecuteEntry(OrderContext& context, OrderKind kind, double lots, double price, uint32_t origin,
+                  double availableCapital) {
+  StrategyLedger& ledger = context.Ledger;
+  const int64_t entries = static_cast<int64_t>(ledger.OpenEntries.size());
+  // A flat position is never refused by the entry limit.
+  if (entries > 0 && entries + 1 > context.Settings.MaxOpenEntries) return false;
+
+  const double oneLotMargin = Margin(context.Terms, context.Cost, 1.0, price);
+  double size = lots == 0.0 ? DefaultLots(context.Settings, availableCapital, oneLotMargin)
+                            : std::min(lots, AffordableLots(availableCapital, oneLotMargin));
+  const double held = std::trunc(std::fabs(CurrentContracts(ledger)) + kLotRounding);
+  size = std::min(size, context.Settings.MaxPositionLots - held);
+  if (size < 1.0) return false;
+
+  const EntryLot entry{
+      kind | origin, context.Bar, context.DataIndex,
+      size,          price,       EntryCost(context.Terms, context.Cost, size, price)};
+  ledger.Orders.push_back(entry);
+  ledger.OpenEntries.push_back(entry);
+
+  LedgerStatistics& stats = ledger.Stats;
+  stats.MaxEntriesRecord =
+      std::max(stats.MaxEntriesRecord, static_cast<int32_t>(ledger.OpenEntries.size()));
+  const double contracts = CurrentContracts(ledger);
+  stats.MaxContractsRecord = contracts;
+  if (std::fabs(contracts) > std::fabs(stats.MaxContractsHeldRecord)) {
+    stats.MaxContractsHeldRecord = contracts;
+  }
+  return true;
+}
+
+bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double price,
+                 uint32_t origin) {
+  StrategyLedger& ledger = context.Ledger;
+  const double position = std::fabs(CurrentContracts(ledger));
+  const double size = lots == 0.0 || lots >= position ? position : lots;
+  if (size < 1.0) return false;
+
+  const ExitTotals totals = MatchExit(context, size, price, origin);
+  context.Account.Capital += totals.NetProfit;
+  context.Account.CumReturn += totals.Return * 100.0;
+  // Any exit, a partial one too, ends the position's records.
+  ledger.Stats.MaxContractsRecord = 0.0;
+  ledger.Stats.BestOpenProfit = 0.0;
+  ledger.Stats.WorstOpenProfit = 0.0;
+
+  // The exit's own cost differs by side on purpose: a Sell carries the exit costs of its trades,
+  // a BuyToCover the entry-cost rule on its lots and price. Only the bar's cost total reads it.
+  const double cost =
+      kind == kSell ? totals.ExitCost : EntryCost(context.Terms, context.Cost, size, price);
+  ledger.Orders.push_back(
+      OrderRecord{kind | origin, context.Bar, context.DataIndex, size, price, cost});
+  return true;
+}
+
+}  // namespace sysfuncs
+
+// ---------------------------------------------------------------------------------------------
+// The signal operations of SFImpl.
+
+namespace {
+
+using namespace sysfuncs;
+
+bool PlaceSignalOrder(SFImpl& impl, OrderKind kind, double lots, double price, uint32_t origin) {
+  if (lots == kInvalidNumber || price == kInvalidNumber) return false;
+  if (lots < kLowestLots) return false;
+  const int32_t dataIndex = impl.m_pData->CurrentData;
+  OrderContext context = impl.CurrentOrderContext();
+  const QXBar& bar = impl.SeriesBar(dataIndex);
+  const PriceRules rules{context.Terms.TickSize, impl.IsLastBar(), impl.SinglePriceBars()};
+  PriceLimits limits;
+  const bool clamps =
+      rules.LastBar && !IsMarketOrder(price) && IsOnOrAfterToday(bar.Time, NowMillis());
+  if (clamps) limits = impl.DayPriceLimits(dataIndex);
+  // A reversal prices both legs once, in the direction of the opening leg.
+  const PriceDirection direction =
+      kind == kBuy || kind == kBuyToCover ? PriceDirection::kBuy : PriceDirection::kSell;
+  const double executionPrice =
+      ExecutionPrice(price, direction, bar, rules, clamps ? &limits : nullptr);
+  const double wholeLots = WholeLots(lots);
+
+  const int32_t position = MarketPosition(context.Ledger);
+  switch (kind) {
+    case kBuy:
+      if (position == -1 && !ExecuteExit(context, kBuyToCover, 0.0, executionPrice, origin)) {
+        return false;
+      }
+      return ExecuteEntry(context, kBuy, wholeLots, executionPrice, origin,
+                          impl.AvailableCapital());
+    case kSellShort:
+      if (position == 1 && !ExecuteExit(context, kSell, 0.0, executionPrice, origin)) {
+        return false;
+      }
+      return ExecuteEntry(context, kSellShort, wholeLots, executionPrice, origin,
+                          impl.AvailableCapital());
+    case kSell:
+      return position == 1 && ExecuteExit(context, kSell, wholeLots, executionPrice, origin);
+    case kBuyToCover:
+      return position == -1 && ExecuteExit(context, kBuyToCover, wholeLots, executionPrice, origin);
+  }
+  return false;
+}
+
+}  // namespace
+
+bool SFImpl::Buy(double lots, double price, uint32_t origin) {
+  return PlaceSignalOrder(*this, kBuy, lots, price, origin);
+}
+
+bool SFImpl::Sell(double lots, double price, uint32_t origin) {
+  return PlaceSignalOrder(*this, kSell, lots, price, origin);
+}
+
+bool SFImpl::SellShort(double lots, double price, uint32_t origin) {
+  return PlaceSignalOrder(*this, kSellShort, lots, price, origin);
+}
+
+bool SFImpl::BuyToCover(double lots, double price, uint32_t origin) {
+  return PlaceSignalOrder(*this, kBuyToCover, lots, price, origin);
+}
+
+int32_t SFImpl::MarketPosition() { return sysfuncs::MarketPosition(CurrentLedger()); }
+
+double SFImpl::AvailableCapital() {
+  double capital = m_spStrategyAccount->Capital;
+  const sysfuncs::CurrentDataScope scope(m_pData);
+  for (int32_t index = 0; index < m_pData->DataCount; ++index) {
+    m_pData->CurrentData = index;
+    const double contracts = std::fabs(sysfuncs::CurrentContracts(m_pData->Ledgers[index]));
+    if (contracts <= sysfuncs::kAmountTolerance) continue;
+    capital -= sysfuncs::Margin(TermsOf(index), m_pData->CostSettings[index], contracts,
+                                SeriesBar(index).Open);
+  }
+  return capital;
+}

@@ -1,0 +1,205 @@
+#include "sysfuncs/SFImpl.h"
+
+#include "strategy/SignalOrders.h"
+#include "support/HostBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace sysfuncs::testing {
+namespace {
+
+TEST(SignalOrders, ExecutionPriceOfMarketLastBarAndHistoricalOrders) {
+  const QXBar bar = MakeBar(0, 10.0, 10.5, 9.5, 10.2, 100.0);
+  const QXBar noTrade = MakeBar(0, 10.0, 10.0, 10.0, 10.0, 0.0);
+  const PriceLimits limits{10.8, 9.2};
+  constexpr auto kBuy = PriceDirection::kBuy;
+  constexpr auto kSell = PriceDirection::kSell;
+  struct Row {
+    const char* name;
+    double price;
+    PriceDirection direction;
+    const QXBar& bar;
+    PriceRules rules;  // tick, last bar, single price
+    const PriceLimits* limits;
+    double expected;
+  } rows[] = {
+      {"market: the Close", 0.00005, kBuy, bar, {0.01, true, false}, &limits, 10.2},
+      {"buy above the High", 11.0, kBuy, bar, {0.01, false, false}, nullptr, 10.5},
+      {"sell below the Low", 9.0, kSell, bar, {0.01, false, false}, nullptr, 9.5},
+      {"inside the bar", 10.004, kBuy, bar, {0.01, false, false}, nullptr, 10.01},
+      {"single-price bar", 11.0, kBuy, bar, {0.01, false, true}, nullptr, 10.2},
+      {"last bar: no range", 11.0, kBuy, bar, {0.01, true, false}, nullptr, 11.0},
+      {"last bar: upper limit", 11.0, kBuy, bar, {0.01, true, false}, &limits, 10.8},
+      {"last bar: lower limit", 9.0, kSell, bar, {0.01, true, false}, &limits, 9.2},
+      {"no-trade bar", 10.0, kBuy, noTrade, {0.01, false, false}, nullptr, 0.0},
+      {"no-trade bar, market", 0.0, kBuy, noTrade, {0.01, false, false}, nullptr, 10.0},
+      {"no-trade single price", 10.0, kBuy, noTrade, {0.01, false, true}, nullptr, 10.0},
+  };
+  for (const Row& row : rows) {
+    EXPECT_NEAR(ExecutionPrice(row.price, row.direction, row.bar, row.rules, row.limits),
+                row.expected, 1e-9)
+        << row.name;
+  }
+}
+
+TEST(SignalOrders, LotCountsAffordabilityAndDefaultLots) {
+  EXPECT_EQ(WholeLots(2.5), 2.0);
+  EXPECT_EQ(AffordableLots(299.0, 300.0), 0.0);
+  EXPECT_EQ(AffordableLots(1e9, 1.0), 10000.0);
+  EXPECT_EQ(AffordableLots(1000.0, 0.0), 0.0);  // a lot without margin cannot be sized
+  struct Row {
+    uint32_t mode;
+    int32_t value;
+    double capital, lots;  // one lot's margin is 300
+  } rows[] = {{0, 3, 1000.0, 3.0},   {0, 3, 800.0, 0.0},     {1, 50, 1000.0, 1.0},
+              {2, 700, 1000.0, 2.0}, {2, 1200, 1000.0, 0.0}, {3, 1, 1000.0, 0.0}};
+  for (const Row& row : rows) {
+    CQXBaseData settings;
+    settings.DefaultLotsMode = row.mode;
+    settings.DefaultLotsValue = row.value;
+    EXPECT_EQ(DefaultLots(settings, row.capital, 300.0), row.lots)
+        << "mode " << row.mode << ", value " << row.value << ", capital " << row.capital;
+  }
+}
+
+// A series of an unknown symbol (margin kind 4, lot value 1, tick 1), margin rate 0.1: one lot at
+// the Close 101 needs 10.1.
+struct Desk {
+  explicit Desk(std::vector<QXBar> bars = std::vector<QXBar>(3,
+                                                             MakeBar(0, 100, 102, 98, 101, 10))) {
+    host.AddSource("s", std::move(bars));
+    host.data.CostSettings[0].MarginRate = 0.1;
+    host.data.InitCapital = 100000.0;
+    host.data.MaxOpenEntries = 10;
+    host.data.MaxPositionLots = 100;
+    host.At(0, 0);
+    funcs = std::make_unique<CSystemFuncs>(&host.data);
+  }
+  const StrategyLedger& ledger() const { return host.data.Ledgers[0]; }
+  TestHost host;
+  std::unique_ptr<CSystemFuncs> funcs;
+};
+
+TEST(SignalOrders, ValidationAndExitsOfAtMostThePosition) {
+  Desk desk;
+  CSystemFuncs& f = *desk.funcs;
+  EXPECT_FALSE(f.Buy(kInvalidNumber, 0.0));
+  EXPECT_FALSE(f.Buy(1.0, kInvalidNumber));
+  EXPECT_FALSE(f.Buy(-0.02, 0.0));
+  EXPECT_FALSE(f.Sell(0.0, 0.0));  // flat
+  EXPECT_TRUE(desk.ledger().Orders.empty());
+  EXPECT_TRUE(f.Buy(-0.005, 0.0));  // 0 lots: the default, 1 lot
+  EXPECT_TRUE(f.Buy(1.995, 0.0));   // 2 lots
+  EXPECT_EQ(f.EntryPrice(), 101.0);
+  EXPECT_FALSE(f.BuyToCover(0.0, 0.0));  // long
+  EXPECT_TRUE(f.Sell(1.0, 0.0));
+  EXPECT_EQ(f.MaxContracts(), 0.0);  // any exit ends the record, a partial one too
+  EXPECT_EQ(f.CurrentContracts(), 2.0);
+  EXPECT_EQ(f.MaxContractsHeld(), 3.0);
+  EXPECT_TRUE(f.Sell(5.0, 0.0));
+  EXPECT_EQ(desk.ledger().Trades.back().Lots, 2.0);
+}
+
+TEST(SignalOrders, ReversalKeepsTheFirstLegWhenTheSecondIsRefused) {
+  Desk desk;
+  CSystemFuncs& f = *desk.funcs;
+  ASSERT_TRUE(f.SellShort(2.0, 0.0));
+  EXPECT_TRUE(f.Buy(1.0, 0.0));  // covers 2, then buys 1
+  EXPECT_EQ(f.CurrentContracts(), 1.0);
+  desk.host.data.MaxPositionLots = 0;
+  EXPECT_FALSE(f.SellShort(1.0, 0.0));
+  EXPECT_EQ(f.MarketPosition(), 0);
+  ASSERT_EQ(desk.ledger().Trades.size(), 2u);
+  EXPECT_EQ(desk.ledger().Trades[1].ExitKind, uint32_t{kSell});
+}
+
+TEST(SignalOrders, EntryCountPositionSizeAndCapitalCapAnEntry) {
+  Desk desk;
+  CSystemFuncs& f = *desk.funcs;
+  desk.host.data.MaxOpenEntries = 0;
+  ASSERT_TRUE(f.Buy(1.0, 0.0));  // a flat position is never refused by the entry count
+  EXPECT_FALSE(f.Buy(1.0, 0.0));
+  desk.host.data.MaxOpenEntries = 10;
+  desk.host.data.MaxPositionLots = 5;
+  ASSERT_TRUE(f.Buy(3.0, 0.0));
+  EXPECT_TRUE(f.Buy(3.0, 0.0));  // 4 held: 1 more
+  EXPECT_EQ(desk.ledger().OpenEntries.back().Lots, 1.0);
+  EXPECT_FALSE(f.Buy(1.0, 0.0));
+  EXPECT_EQ(f.MaxEntries(), 3);
+
+  Desk poor;
+  poor.host.data.Account->Capital = 25.0;
+  EXPECT_TRUE(poor.funcs->SellShort(5.0, 0.0));  // 2 lots of 10.1
+  EXPECT_EQ(poor.funcs->CurrentContracts(), -2.0);
+  // 25 - 2 x 100 x 0.1 = 5 available (margins at the Open): the money 5 buys no lot at 10.1.
+  poor.host.data.DefaultLotsMode = 2;
+  poor.host.data.DefaultLotsValue = 5;
+  EXPECT_FALSE(poor.funcs->SellShort(0.0, 0.0));
+}
+
+TEST(SignalOrders, ExitOrderCostDiffersBetweenSellAndBuyToCover) {
+  Desk desk;
+  CostSetting& cost = desk.host.data.CostSettings[0];
+  cost.CommissionRate = 2.0;  // money per lot
+  cost.Slippage = 1.0;
+  cost.NoEntryCommission = true;
+  CSystemFuncs& f = *desk.funcs;
+  ASSERT_TRUE(f.Buy(2.0, 0.0) && f.Sell(0.0, 0.0) && f.SellShort(2.0, 0.0));
+  ASSERT_TRUE(f.BuyToCover(0.0, 0.0));
+  const std::vector<OrderRecord>& orders = desk.ledger().Orders;
+  EXPECT_EQ(orders[0].Cost, 2.0);  // entry: slippage 2 x 1 only
+  EXPECT_EQ(orders[1].Cost, 6.0);  // Sell: its trade's exit cost, 2 x 1 + 2 x 2
+  EXPECT_EQ(orders[3].Cost, 2.0);  // BuyToCover: the entry rule, slippage only
+  EXPECT_EQ(desk.ledger().Trades[1].ExitCost, 6.0);
+}
+
+TEST(SignalOrders, NoTradeBarRefusesEntriesAndExitsAtZero) {
+  Desk desk;
+  desk.host.sources[0].Bars[1] = MakeBar(0, 100.0, 100.0, 100.0, 100.0, 0.0);
+  CSystemFuncs& f = *desk.funcs;
+  ASSERT_TRUE(f.Buy(1.0, 0.0));
+  desk.host.At(0, 1);
+  EXPECT_FALSE(f.Buy(1.0, 100.0));  // a lot at 0.0 needs no margin: nothing is sized
+  EXPECT_TRUE(f.Sell(0.0, 100.0));
+  EXPECT_EQ(desk.ledger().Trades.back().ExitPrice, 0.0);
+  EXPECT_EQ(desk.host.data.Account->Capital, 100000.0 - 101.0);  // (0 - 101) x 1
+  // Return on the margin of a lot at the entry price, 10.1, booked in percent.
+  EXPECT_DOUBLE_EQ(desk.host.data.Account->CumReturn, -1000.0);
+}
+
+TEST(SignalOrders, LimitsClampOnTheLastBarOnlyFromTodayOn) {
+  const int64_t lastBarTime = ShanghaiInstant(2024, 3, 4, 10);  // 02:00 UTC
+  Desk desk({MakeBar(lastBarTime - 60000, 100, 102, 98, 101, 10),
+             MakeBar(lastBarTime, 100, 102, 98, 101, 10)});
+  SFImpl impl(&desk.host.data);
+  impl.m_dUpperLimit = 120.0;
+  desk.host.At(0, 1);
+  int64_t now = lastBarTime + 3600000;
+  SysFuncsPlatform clock;
+  clock.Now = [&now] { return now; };
+  ScopedPlatform platform(clock);
+  ASSERT_TRUE(impl.Buy(1.0, 150.0, kOriginFormula));
+  EXPECT_EQ(desk.ledger().OpenEntries.back().Price, 120.0);
+  now = UtcInstant(2024, 3, 5);  // the next day by the clock: no limits
+  ASSERT_TRUE(impl.Buy(1.0, 150.0, kOriginFormula));
+  EXPECT_EQ(desk.ledger().OpenEntries.back().Price, 150.0);
+}
+
+TEST(SignalOrders, AvailableCapitalChargesEveryPositionAtItsOpen) {
+  Desk desk({MakeBar(0, 100, 101, 99, 100, 1)});
+  desk.host.AddSource("b", {MakeBar(0, 50, 51, 49, 50, 1)});
+  desk.host.data.CostSettings[1].MarginRate = 0.2;
+  desk.host.data.Account->Capital = 1000.0;
+  SFImpl impl(&desk.host.data);
+  ASSERT_TRUE(impl.Buy(2.0, 0.0, kOriginFormula));
+  desk.host.At(1, 0);
+  ASSERT_TRUE(impl.SellShort(3.0, 0.0, kOriginFormula));
+  EXPECT_DOUBLE_EQ(impl.AvailableCapital(), 950.0);  // 1000 - 2 x 100 x 0.1 - 3 x 50 x 0.2
+  EXPECT_EQ(desk.host.data.CurrentData, 1);
+}
+
+}  // namespace
+}  // namespace sysfuncs::testing
