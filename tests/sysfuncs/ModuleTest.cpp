@@ -40,14 +40,11 @@ TEST_F(Module, InitStoresAdapterDirectoriesAndUser) {
   SysFuncs_Exit();
 }
 
-TEST_F(Module, UserIdIsEmptyBeforeInit) {
+TEST_F(Module, BeforeInitTheUserIsEmptyAndExitDoesNothing) {
   TestHost host;
   host.AddSource("s", EvenBars(0, 60000, 1));
   CSystemFuncs funcs(&host.data);
   EXPECT_EQ(funcs.GetUserID(), "");
-}
-
-TEST_F(Module, ExitBeforeInitDoesNothing) {
   SysFuncs_Exit();
   CSFEnvPtr env = GetSFEnv();
   EXPECT_FALSE(env->m_timer);
