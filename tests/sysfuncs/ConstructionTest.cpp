@@ -9,30 +9,6 @@
 namespace sysfuncs::testing {
 namespace {
 
-TEST(Construction, CachedContractValuesKeepTheirInitialValuesForAnUnknownSymbol) {
-  TestHost host;
-  host.AddSource("unknown", EvenBars(0, 60000, 3));
-  host.AddSource("other", EvenBars(0, 60000, 3));
-  CSystemFuncs funcs(&host.data);
-  host.At(0, 1);
-  EXPECT_EQ(funcs.MinMove(), 1);
-  EXPECT_EQ(funcs.PriceScale(), 1.0);
-  EXPECT_EQ(funcs.ContractUnit(), 1);
-  EXPECT_EQ(funcs.BigPointValue(), 1.0);
-  EXPECT_EQ(funcs.ContractSize(), 1.0);
-  // Other data sources go through their property list, which an unknown symbol does not have.
-  host.At(1, 1);
-  EXPECT_EQ(funcs.MinMove(), kInvalidInteger);
-  EXPECT_EQ(funcs.ContractSize(), kInvalidNumber);
-
-  SFImpl impl(&host.data);
-  EXPECT_EQ(impl.m_nProp24, 4);
-  EXPECT_EQ(impl.m_dProp26, 1.0);
-  EXPECT_EQ(impl.m_dPointValue, 1.0);
-  EXPECT_EQ(impl.m_dUpperLimit, kInvalidNumber);
-  EXPECT_EQ(impl.m_dLowerLimit, kInvalidNumber);
-}
-
 TEST(Construction, RunStartEmptiesSavedOrdersOnlyAtBarZero) {
   struct Row {
     int32_t bar;
@@ -49,6 +25,13 @@ TEST(Construction, RunStartEmptiesSavedOrdersOnlyAtBarZero) {
 }
 
 TEST(Construction, TakesCountedReferencesToTheHostsSharedObjects) {
+  {
+    TestHost bare;  // a host that shares none is given fresh ones
+    bare.AddSource("s", EvenBars(0, 60000, 3));
+    CSystemFuncs funcs(&bare.data);
+    ASSERT_TRUE(bare.data.Account && bare.data.Symbols);
+    EXPECT_EQ(bare.data.Account->__getRef(), 2);
+  }
   TestHost host;
   host.AddSource("s", EvenBars(0, 60000, 3));
   host.data.Account = new StrategyAccount();
@@ -62,15 +45,6 @@ TEST(Construction, TakesCountedReferencesToTheHostsSharedObjects) {
   }
   EXPECT_EQ(account->__getRef(), 1);
   EXPECT_EQ(host.data.Symbols->__getRef(), 1);
-}
-
-TEST(Construction, AHostWithoutSharedObjectsIsGivenFreshOnes) {
-  TestHost host;
-  host.AddSource("s", EvenBars(0, 60000, 3));
-  CSystemFuncs funcs(&host.data);
-  ASSERT_TRUE(host.data.Account);
-  ASSERT_TRUE(host.data.Symbols);
-  EXPECT_EQ(host.data.Account->__getRef(), 2);
 }
 
 TEST(Construction, EveryConstructionReseedsTheRandomGeneratorFromTheClock) {
