@@ -171,5 +171,21 @@ TEST(SignalOrders, LimitsClampOnTheLastBarOnlyFromTodayOn) {
   EXPECT_EQ(desk.ledger().OpenEntries.back().Price, 150.0);
 }
 
+TEST(SignalOrders, AHostThatSetsNoCostsCanTrade) {
+  // Default costs: margin of the full value (rate 1), no commission, no slippage. An unknown
+  // symbol trades as kind 4 with lot value 1: one lot at 100 needs 100 of the 1000.
+  TestHost host;
+  host.AddSource("s", EvenBars(0, 60000, 3));
+  host.data.InitCapital = 1000.0;
+  host.data.MaxPositionLots = 20;
+  host.data.MaxOpenEntries = 2;
+  CSystemFuncs funcs(&host.data);
+  host.At(0, 1);
+  EXPECT_TRUE(funcs.Buy(0, 0));  // one default lot
+  EXPECT_TRUE(funcs.Buy(20, 0));
+  // Available capital 1000 - 100 (one lot's margin at the Open) = 900: 9 more lots.
+  EXPECT_EQ(funcs.CurrentContracts(), 10.0);
+}
+
 }  // namespace
 }  // namespace sysfuncs::testing
