@@ -37,16 +37,6 @@ class ListWriter {
   SymbolPropertyList& list_;
 };
 
-std::vector<std::string> SplitFields(const std::string& text, char separator) {
-  std::vector<std::string> fields;
-  for (size_t start = 0;;) {
-    const size_t end = text.find(separator, start);
-    fields.push_back(text.substr(start, end - start));
-    if (end == std::string::npos) return fields;
-    start = end + 1;
-  }
-}
-
 // Option type (0 put, 1 call), style (1 American, 0 European) and strike of an option
 // descriptor "OT:C|OS:A|SP:3500|..."; a descriptor of fewer than four fields is no option.
 struct OptionTerms {
@@ -57,7 +47,7 @@ struct OptionTerms {
 
 OptionTerms ReadOptionTerms(const std::string& descriptor) {
   OptionTerms terms;
-  const std::vector<std::string> fields = SplitFields(descriptor, '|');
+  const std::vector<std::string> fields = SplitText(descriptor, '|');
   if (fields.size() < 4) return terms;
   if (fields[0] == "OT:C") terms.type = 1;
   if (fields[1] == "OS:A") terms.style = 1;

@@ -2,6 +2,7 @@
 
 #include "platform/LocalTime.h"
 #include "platform/Services.h"
+#include "util/DisplayNames.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -41,17 +42,6 @@ PrintedInstant ForPrinting(int64_t instant) {
   return {LocalFields(seconds), static_cast<int32_t>(instant - seconds * 1000)};
 }
 
-std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> pieces;
-  size_t start = 0;
-  for (;;) {
-    const size_t end = text.find(separator, start);
-    pieces.push_back(text.substr(start, end - start));
-    if (end == std::string::npos) return pieces;
-    start = end + 1;
-  }
-}
-
 // Pieces separated by runs of blanks, with no empty piece.
 std::vector<std::string> SplitAtBlanks(const std::string& text) {
   std::vector<std::string> pieces;
@@ -79,14 +69,14 @@ bool ParsePieces(std::string text, int64_t& instant) {
   const std::vector<std::string> pieces = SplitAtBlanks(text);
   if (pieces.empty() || pieces.size() > 2) return false;
 
-  const std::vector<std::string> date = Split(pieces[0], '/');
+  const std::vector<std::string> date = SplitText(pieces[0], '/');
   if (date.size() != 3) return false;
   const int32_t year = DecimalValue(date[0]);
   if (year < 1900) return false;
 
   int32_t hour = 0, minute = 0, second = 0, millis = 0;
   if (pieces.size() == 2) {
-    const std::vector<std::string> time = Split(pieces[1], ':');
+    const std::vector<std::string> time = SplitText(pieces[1], ':');
     if (time.size() != 3 && time.size() != 4) return false;
     hour = DecimalValue(time[0]);
     minute = DecimalValue(time[1]);

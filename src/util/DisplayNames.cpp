@@ -262,6 +262,16 @@ IdKey ParseIdKey(const std::string& key) {
           key.substr(bar + 1)};
 }
 
+std::vector<std::string> SplitText(const std::string& text, char separator) {
+  std::vector<std::string> pieces;
+  for (size_t start = 0;;) {
+    const size_t end = text.find(separator, start);
+    pieces.push_back(text.substr(start, end - start));
+    if (end == std::string::npos) return pieces;
+    start = end + 1;
+  }
+}
+
 double RoundToSixDecimals(double value) {
   return std::strtod(Format(kUnbounded, "%.6f", value).c_str(), nullptr);
 }

@@ -82,6 +82,9 @@ IdKey ParseIdKey(const std::string& key);
 // The value as printed with six decimals.
 double RoundToSixDecimals(double value);
 
+// The pieces of `text` between the separators, empty pieces included: "a||b" gives a, "", b.
+std::vector<std::string> SplitText(const std::string& text, char separator);
+
 // 32 lowercase hex digits.
 std::string ToHex16(const uint8_t bytes[16]);
 
