@@ -161,7 +161,7 @@ struct StrategyLedger {
 
 // Margin, commission and slippage settings of one data series.
 struct CostSetting {
-  double MarginRate = 1.0;  // the full contract value unless the host sets a rate
+  double MarginRate = 1.0;      // the full contract value unless the host sets a rate
   uint32_t CommissionKind = 0;  // 0 money per lot, 1 ticks per lot, 2 turnover in 1/10000
   double CommissionRate = 0.0;
   bool NoEntryCommission = false;  // entries are charged slippage only
