@@ -18,7 +18,18 @@ packages=(
   libbenchmark-dev
   clang-format
   tzdata
+  libsimpleini-dev
+  libcli11-dev
+  nlohmann-json3-dev
+  libfast-float-dev
+  libsqlite3-dev
+  chromium
 )
+# The HTML page's chart library comes from npm: Node.js and npm from Debian unless the machine
+# already has an npm (a Node.js distribution that bundles npm conflicts with Debian's npm).
+if ! command -v npm >/dev/null 2>&1; then
+  packages+=(nodejs npm)
+fi
 if [[ "${1:-}" == "--checks" ]]; then
   packages+=(clang-tidy)
 fi
