@@ -42,7 +42,7 @@ void SFImpl::LoadRolloverLists() {
     std::vector<Quill::IFutureRolloverValue> values;
     CDataAdapter* adapter = CurrentAdapter();
     if (adapter == nullptr ||
-        !adapter->GetFutureRollover(MakeSymbolKey(sources[index]), bars.front().Time,
+        !adapter->GetFutureRollover(sysfuncs::MakeSymbolKey(sources[index]), bars.front().Time,
                                     bars.back().Time, 1, values)) {
       values.clear();  // nothing to report
     }

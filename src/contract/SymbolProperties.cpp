@@ -88,7 +88,8 @@ bool SFImpl::GetSymbolPropertyList(int32_t dataIndex, SymbolPropertyList& list) 
   const QXDataSource& source = DataSource(dataIndex);
   CDataAdapter* adapter = CurrentAdapter();  // none before the module starts: nothing is known
   Quill::ICodeProperty property;
-  if (adapter == nullptr || !adapter->GetSymbolProperty(MakeSymbolKey(source), property)) {
+  if (adapter == nullptr ||
+      !adapter->GetSymbolProperty(sysfuncs::MakeSymbolKey(source), property)) {
     return false;
   }
   const std::vector<SourceInfo>& infos = m_pData->SourceInfos;

@@ -5,23 +5,12 @@
 #include "sysfuncs/SystemFuncs.h"
 
 #include "util/DateCodec.h"
-
-#include <cstring>
+#include "util/PackedTick.h"
 
 namespace {
 
 const QXBar& CurrentBar(const CQXBaseData* data) {
   return (*data->DataSources)[data->CurrentData].Bars[data->CurrentBar];
-}
-
-// A packed tick field carries a single-precision price in its upper 32 bits.
-double UpperFloat(double field) {
-  uint64_t bits;
-  std::memcpy(&bits, &field, sizeof bits);
-  const uint32_t upper = static_cast<uint32_t>(bits >> 32);
-  float price;
-  std::memcpy(&price, &upper, sizeof price);
-  return price;
 }
 
 }  // namespace
@@ -31,13 +20,13 @@ double CSystemFuncs::O() { return Open(); }
 
 double CSystemFuncs::High() {
   const double high = CurrentBar(m_pData).High;
-  return m_pImpl->m_bTickPacked ? UpperFloat(high) : high;
+  return m_pImpl->m_bTickPacked ? sysfuncs::PackedPrice(high) : high;
 }
 double CSystemFuncs::H() { return High(); }
 
 double CSystemFuncs::Low() {
   const double low = CurrentBar(m_pData).Low;
-  return m_pImpl->m_bTickPacked ? UpperFloat(low) : low;
+  return m_pImpl->m_bTickPacked ? sysfuncs::PackedPrice(low) : low;
 }
 double CSystemFuncs::L() { return Low(); }
 

@@ -10,6 +10,8 @@
 #include "sysfuncs/DataAdapter.h"
 #include "sysfuncs/HostData.h"
 
+#include "live/BrokerOrders.h"
+#include "live/ValueCache.h"
 #include "strategy/LedgerStatistics.h"
 #include "strategy/SignalOrders.h"
 #include "util/LocalCalendar.h"
@@ -19,14 +21,8 @@
 #include <cstdint>
 #include <map>
 #include <string>
-
-// A memoised quote or account value.
-struct CachedValue {
-  int32_t Kind = 0;  // 4 real, 10 integer
-  double RealValue = 0.0;
-  int32_t IntValue = 0;
-  std::string Text;  // left empty
-};
+#include <string_view>
+#include <vector>
 
 class SFImpl : public IceUtil::Shared {
  public:
@@ -76,8 +72,65 @@ class SFImpl : public IceUtil::Shared {
   // Calendar days until the current data source's contract expires, today counted as 1.
   int32_t TradingDayLeft();
 
-  // --- Quotes (live subsystem).
-  double GetQuoteReal(int32_t field, const char* name);
+  // --- Live market and account access (live subsystem). Answers come only while the newest
+  // bar is evaluated (a few day-constant quote fields also on earlier bars of its trading day);
+  // everywhere else the invalid value, without asking the adapter.
+  // Quotes. Values are memoised in m_valueCache under "Data<d>.<name>".
+  bool QuoteDataExist();
+  bool QuoteFieldValid(int32_t dataIndex, int32_t field);
+  double GetQuoteReal(int32_t field, std::string_view name);
+  double FetchQuoteReal(int32_t dataIndex, int32_t field, std::string_view key);
+  int32_t GetQuoteInteger(int32_t field, std::string_view name);
+  int32_t FetchQuoteInteger(int32_t dataIndex, int32_t field, std::string_view key);
+  // The field's own name is the cache key's tail.
+  double GetQuoteReal(int32_t field);
+  int32_t GetQuoteInteger(int32_t field);
+  double GetDepthValue(int32_t level, int32_t side);
+  // A data source of the host; null for an index it lacks.
+  const QXDataSource* FindDataSource(int32_t dataIndex) const;
+  // Fills `key` with the symbol of a data source; false for a data source the host lacks.
+  bool MakeSymbolKey(int32_t dataIndex, tagSymbol& key) const;
+  // One snapshot of a data source's quote; false when it cannot be had.
+  bool FetchQuote(int32_t dataIndex, Quill::ITickDeepLevel& quote) const;
+  // The platform identity of the current data source's symbol; false (nothing asked) without an
+  // adapter or for a data source the host lacks.
+  bool CurrentCodeID(Quill::ICodeID& codeId) const;
+
+  // Account and position. The summary is memoised under the function's name, the position
+  // under "Data<d>.<name>".
+  bool AccountBound() const { return !m_pData->AccountID.empty() && !m_pData->BrokerID.empty(); }
+  bool AccountDataExist() const { return IsLastBar() && AccountBound(); }
+  double GetAccountValue(int32_t number);
+  double GetPositionValue(int32_t number);
+
+  // Broker orders of the current data source's symbol; false (no adapter call) off the newest
+  // bar or without a bound account, and when the adapter fails.
+  bool FetchOrderList(std::vector<Quill::ITradeOrder>& list) const;
+  bool FetchOpenOrderList(std::vector<Quill::ITradeOrder>& list) const;
+  bool FetchOrders(sysfuncs::OrderBook book, std::vector<Quill::ITradeOrder>& list) const;
+  // The invalid integer when the list cannot be had.
+  int32_t OrderCount(sysfuncs::OrderBook book) const;
+  // 1-based position of the newest order of the given formula-language codes; the invalid
+  // integer when none matches.
+  int32_t LastOrderIndex(sysfuncs::OrderBook book, int32_t buyOrSell, int32_t entryOrExit) const;
+  // A field (a row of the order field tables) of the order `index` selects; the invalid value of
+  // the field's type when the list cannot be had or the index selects nothing.
+  int32_t OrderInteger(sysfuncs::OrderBook book, int32_t index, int32_t field) const;
+  double OrderReal(sysfuncs::OrderBook book, int32_t index, int32_t field) const;
+  std::string OrderText(sysfuncs::OrderBook book, int32_t index, int32_t field) const;
+
+  // Live orders, handed to the trading front end.
+  bool SendOrder(int32_t buyOrSell, int32_t entryOrExit, double lots, double price);
+  bool DeleteOrder(const std::string& contractNo);
+  void CancelOneOrder(const std::string& contractNo) const;
+  void RoundPriceToTick(bool isBuy, double& price);
+  void ClampPriceToLimits(double& price);
+
+  // Stock picking, recorded in the shared account by the current bar's time.
+  int32_t StockPoolSize() const { return m_spStrategyAccount->PoolSize; }
+  void SetSPSortValue(int32_t index, double value, bool flag);
+  int32_t GetSPSortRanking(int32_t index) const;
+  bool StockPickingCheckPoint(int32_t signal, bool flag);
 
   // --- Strategy state (strategy subsystem).
   // Per-bar bookkeeping after the formula body has run on the current bar.
@@ -155,7 +208,7 @@ class SFImpl : public IceUtil::Shared {
   double m_dLowerLimit = sysfuncs::kInvalidNumber;
 
   // Quote and account values, by key; inserted once, never replaced.
-  std::map<std::string, CachedValue> m_valueCache;
+  sysfuncs::ValueCache m_valueCache;
 
   // The bound account, split from the host's "number|code" broker key at construction.
   int32_t m_nBrokerNo = 0;
@@ -166,6 +219,8 @@ class SFImpl : public IceUtil::Shared {
 
  private:
   void CachePrimarySymbol();
+  template <typename Result, typename Read>
+  Result ReadOrder(sysfuncs::OrderBook book, int32_t index, Read read, Result invalid) const;
 };
 
 #endif  // SYSFUNCS_SYSFUNCS_SF_IMPL_H_

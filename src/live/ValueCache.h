@@ -1,0 +1,62 @@
+// The per-instance memo of quote and account values, and the fixed buffer its keys are built in.
+#ifndef SYSFUNCS_LIVE_VALUE_CACHE_H_
+#define SYSFUNCS_LIVE_VALUE_CACHE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+// A memoised quote or account value.
+struct CachedValue {
+  int32_t Kind = 0;  // 4 real, 10 integer
+  double RealValue = 0.0;
+  int32_t IntValue = 0;
+  std::string Text;  // left empty
+};
+
+namespace sysfuncs {
+
+inline constexpr int32_t kCachedReal = 4;
+inline constexpr int32_t kCachedInteger = 10;
+
+// Values by key text. An entry is inserted once and never replaced or removed: the first answer
+// of a key stands for the life of the instance. Looking a key up allocates nothing.
+class ValueCache {
+ public:
+  // The entry of `key`; null when there is none.
+  const CachedValue* Find(std::string_view key) const {
+    const auto found = entries_.find(key);
+    return found != entries_.end() ? &found->second : nullptr;
+  }
+  // Stores a value under `key` unless the key already has one.
+  void InsertReal(std::string_view key, double value);
+  void InsertInteger(std::string_view key, int32_t value);
+
+  size_t Size() const { return entries_.size(); }
+
+ private:
+  std::map<std::string, CachedValue, std::less<>> entries_;
+};
+
+// A key text built in place: "Data%d.%s" and "Data%d.Q_BSType[%d,%d]" without touching the heap.
+// Text that would not fit is cut off.
+class CacheKey {
+ public:
+  CacheKey& Append(std::string_view text);
+  CacheKey& Append(int32_t number);
+  std::string_view View() const { return {buffer_, length_}; }
+
+  // "Data<dataIndex>.<name>".
+  static CacheKey OfDataSource(int32_t dataIndex, std::string_view name);
+
+ private:
+  char buffer_[96];
+  size_t length_ = 0;
+};
+
+}  // namespace sysfuncs
+
+#endif  // SYSFUNCS_LIVE_VALUE_CACHE_H_
