@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sysfuncs::testing {
@@ -26,6 +27,96 @@ class FakeAdapter : public CDataAdapter {
   int64_t lastBeginTime = 0;
   int64_t lastEndTime = 0;
   int32_t lastFlag = 0;
+
+  // Quotes, positions and order lists by code; a code without an entry fails its query.
+  std::map<std::string, Quill::ITickDeepLevel> quotes;
+  std::map<std::string, Quill::ITradePosition> positions;
+  std::map<std::string, std::vector<Quill::ITradeOrder>> orders;
+  std::map<std::string, std::vector<Quill::ITradeOrder>> openOrders;
+  // Instrument identities by code; an unknown code gets an identity holding only its code.
+  std::map<std::string, Quill::ICodeID> codeIds;
+  // The account summary; the query fails while `summaryAnswers` is false.
+  Quill::ITradeAcctSummary summary;
+  bool summaryAnswers = true;
+
+  int quoteCalls = 0;
+  int codeIdCalls = 0;
+  int summaryCalls = 0;
+  int positionCalls = 0;
+  int orderCalls = 0;
+  int openOrderCalls = 0;
+  // The account arguments of the latest account, position, order or cancel call.
+  int lastBrokerNo = 0;
+  std::string lastAccountId;
+  // The contract numbers cancelled, in call order, with the codes they were cancelled under.
+  std::vector<std::pair<std::string, std::string>> cancelled;
+
+  // Every call of an account, quote or order operation.
+  int LiveCalls() const {
+    return quoteCalls + codeIdCalls + summaryCalls + positionCalls + orderCalls + openOrderCalls +
+           static_cast<int>(cancelled.size());
+  }
+
+  int GetMarketQuote(const tagSymbol& symbol, Quill::ITickDeepLevel& quote) override {
+    ++quoteCalls;
+    lastKey = symbol;
+    const auto found = quotes.find(symbol.Code);
+    if (found == quotes.end()) return 0;
+    quote = found->second;
+    return 1;
+  }
+
+  void GetICodeID(const tagSymbol& symbol, Quill::ICodeID& codeId) override {
+    GetICodeID(symbol.MarketId, symbol.Code, codeId);
+  }
+  void GetICodeID(int marketId, const std::string& code, Quill::ICodeID& codeId) override {
+    ++codeIdCalls;
+    const auto found = codeIds.find(code);
+    if (found != codeIds.end()) {
+      codeId = found->second;
+      if (codeId.Code.empty()) codeId.Code = code;
+    } else {
+      codeId.MarketId = marketId;
+      codeId.Code = code;
+    }
+  }
+
+  int GetAccountSummary(int brokerNo, const std::string& accountId,
+                        Quill::ITradeAcctSummary& result) override {
+    ++summaryCalls;
+    Remember(brokerNo, accountId);
+    if (!summaryAnswers) return 0;
+    result = summary;
+    return 1;
+  }
+
+  int GetPosition(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                  Quill::ITradePosition& position) override {
+    ++positionCalls;
+    Remember(brokerNo, accountId);
+    return Answer(positions, codeId, position);
+  }
+
+  int GetOrders(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                std::vector<Quill::ITradeOrder>& list) override {
+    ++orderCalls;
+    Remember(brokerNo, accountId);
+    return Answer(orders, codeId, list);
+  }
+
+  int GetOpenOrders(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                    std::vector<Quill::ITradeOrder>& list) override {
+    ++openOrderCalls;
+    Remember(brokerNo, accountId);
+    return Answer(openOrders, codeId, list);
+  }
+
+  int CancelOrder(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                  const std::string& contractNo) override {
+    Remember(brokerNo, accountId);
+    cancelled.emplace_back(contractNo, codeId.Code);
+    return 1;
+  }
 
   bool GetSymbolProperty(const tagSymbol& symbol, Quill::ICodeProperty& property) override {
     ++propertyCalls;
@@ -47,6 +138,21 @@ class FakeAdapter : public CDataAdapter {
     if (found == rollovers.end()) return false;
     values = found->second;
     return true;
+  }
+
+ private:
+  void Remember(int brokerNo, const std::string& accountId) {
+    lastBrokerNo = brokerNo;
+    lastAccountId = accountId;
+  }
+  // The entry of the identity's code, copied into `result`; 0 when there is none.
+  template <typename Value>
+  static int Answer(const std::map<std::string, Value>& table, const Quill::ICodeID& codeId,
+                    Value& result) {
+    const auto found = table.find(codeId.Code);
+    if (found == table.end()) return 0;
+    result = found->second;
+    return 1;
   }
 };
 

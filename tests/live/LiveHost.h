@@ -1,0 +1,70 @@
+// A host bound to an account over one futures series, with a test adapter that counts its calls.
+#ifndef SYSFUNCS_TESTS_LIVE_LIVE_HOST_H_
+#define SYSFUNCS_TESTS_LIVE_LIVE_HOST_H_
+
+#include "sysfuncs/sysfuncs.h"
+
+#include "support/FakeAdapter.h"
+#include "support/HostBuilder.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace sysfuncs::testing {
+
+inline constexpr int32_t kNoInteger = 2147483647;  // the invalid answers
+inline constexpr double kNoNumber = 1.7976931348623157e308;
+
+// "rb2410": tradable, tick 0.2 (2 x 0.1), 10 units per lot of point value 1, margin kind 4.
+inline Quill::ICodeProperty FuturesContract() {
+  Quill::ICodeProperty contract;
+  contract.Tradable = true;
+  contract.MinMove = 2;
+  contract.PriceScale = 0.1f;
+  contract.ContractUnit = 10;
+  contract.BigPointValue = 1.0f;
+  contract.MarginKind = 4;
+  return contract;
+}
+
+// Three bars in Shanghai time: Monday 2024-03-04 14:00, Tuesday 09:00 and 10:00. Bar 0 lies on
+// another trading day than the last bar; bar 1 on the same one.
+inline std::vector<QXBar> ThreeBars() {
+  return {MakeBar(ShanghaiInstant(2024, 3, 4, 14), 3990, 4000, 3980, 3995, 10),
+          MakeBar(ShanghaiInstant(2024, 3, 5, 9), 4000, 4010, 3990, 4005, 10),
+          MakeBar(ShanghaiInstant(2024, 3, 5, 10), 4005, 4020, 4000, 4010, 10)};
+}
+
+struct LiveHost {
+  explicit LiveHost(std::vector<QXBar> bars = ThreeBars(), uint32_t barType = 1,
+                    uint32_t barInterval = 1) {
+    adapter.properties["rb2410"] = FuturesContract();
+    host.AddSource("rb2410", std::move(bars), barType, barInterval, 7);
+    host.data.BrokerID = "8|abc";
+    host.data.AccountID = "10086";
+    host.data.FormulaName = "MA交叉";
+    host.data.InitCapital = 1000000.0;
+    host.data.CostSettings[0].MarginRate = 0.1;
+  }
+  // Built at bar 0 on first use, as a run starts; the host then moves to the bar asked for.
+  CSystemFuncs& Funcs(int32_t bar) {
+    if (!funcs) {
+      host.At(0, 0);
+      funcs = std::make_unique<CSystemFuncs>(&host.data);
+    }
+    host.At(0, bar);
+    return *funcs;
+  }
+  int32_t LastBar() const { return static_cast<int32_t>(host.sources[0].Bars.size()) - 1; }
+  CSystemFuncs& AtLastBar() { return Funcs(LastBar()); }
+
+  TestHost host;
+  FakeAdapter adapter;
+  ScopedAdapter scoped{&adapter};
+  std::unique_ptr<CSystemFuncs> funcs;
+};
+
+}  // namespace sysfuncs::testing
+
+#endif  // SYSFUNCS_TESTS_LIVE_LIVE_HOST_H_
