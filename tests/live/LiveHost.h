@@ -45,6 +45,7 @@ struct LiveHost {
     host.data.AccountID = "10086";
     host.data.FormulaName = "MA交叉";
     host.data.InitCapital = 1000000.0;
+    host.data.MaxPositionLots = 10;
     host.data.CostSettings[0].MarginRate = 0.1;
   }
   // Built at bar 0 on first use, as a run starts; the host then moves to the bar asked for.
