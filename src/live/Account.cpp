@@ -58,8 +58,13 @@ double SFImpl::GetAccountValue(int32_t number) {
   }
   if (!AccountDataExist()) return sysfuncs::kInvalidNumber;
   const sysfuncs::AccountField& row = sysfuncs::kAccountFields[number];
+  const size_t slot = sysfuncs::AccountSlot(number);
+  if (const CachedValue* hit = m_valueCache.FindSlot(slot)) return hit->RealValue;
   // The account does not depend on the data source: the name alone is the key.
-  if (const CachedValue* cached = m_valueCache.Find(row.Name)) return cached->RealValue;
+  if (const CachedValue* cached = m_valueCache.Find(row.Name)) {
+    m_valueCache.RememberSlot(slot, cached);
+    return cached->RealValue;
+  }
   CDataAdapter* adapter = sysfuncs::CurrentAdapter();
   Quill::ITradeAcctSummary summary;
   if (adapter == nullptr || adapter->GetAccountSummary(m_nBrokerNo, m_strAccountID, summary) == 0) {
@@ -67,6 +72,7 @@ double SFImpl::GetAccountValue(int32_t number) {
   }
   const double value = summary.*row.Value;
   m_valueCache.InsertReal(row.Name, value);
+  m_valueCache.RememberSlot(slot, m_valueCache.Find(row.Name));
   return value;
 }
 
@@ -76,8 +82,13 @@ double SFImpl::GetPositionValue(int32_t number) {
   }
   if (!AccountDataExist()) return sysfuncs::kInvalidNumber;
   const sysfuncs::PositionField& row = sysfuncs::kPositionFields[number];
+  const size_t slot = sysfuncs::PositionSlot(m_pData->CurrentData, number);
+  if (const CachedValue* hit = m_valueCache.FindSlot(slot)) return hit->RealValue;
   const sysfuncs::CacheKey key = sysfuncs::CacheKey::OfDataSource(m_pData->CurrentData, row.Name);
-  if (const CachedValue* cached = m_valueCache.Find(key.View())) return cached->RealValue;
+  if (const CachedValue* cached = m_valueCache.Find(key.View())) {
+    m_valueCache.RememberSlot(slot, cached);
+    return cached->RealValue;
+  }
   Quill::ICodeID codeId;
   Quill::ITradePosition position;
   const bool fetched =
@@ -86,5 +97,6 @@ double SFImpl::GetPositionValue(int32_t number) {
   // A failed position query reads as no position and is not asked again.
   const double value = fetched ? row.Read(position) : 0.0;
   m_valueCache.InsertReal(key.View(), value);
+  m_valueCache.RememberSlot(slot, m_valueCache.Find(key.View()));
   return value;
 }

@@ -74,22 +74,28 @@ bool SFImpl::QuoteFieldValid(int32_t dataIndex, int32_t field) {
 }
 
 double SFImpl::GetQuoteReal(int32_t field) {
-  return GetQuoteReal(field, sysfuncs::kQuoteFields[field].Name);
-}
-
-int32_t SFImpl::GetQuoteInteger(int32_t field) {
-  return GetQuoteInteger(field, sysfuncs::kQuoteFields[field].Name);
+  const sysfuncs::QuoteField* row = sysfuncs::FindQuoteField(field);
+  if (row == nullptr) return kInvalidNumber;
+  return QuoteReal(field, row->Name, sysfuncs::QuoteSlot(m_pData->CurrentData, field));
 }
 
 double SFImpl::GetQuoteReal(int32_t field, std::string_view name) {
+  return QuoteReal(field, name, sysfuncs::kNoSlot);
+}
+
+double SFImpl::QuoteReal(int32_t field, std::string_view name, size_t slot) {
   const sysfuncs::QuoteField* row = sysfuncs::FindQuoteField(field);
   if (row == nullptr || row->Real == nullptr) return kInvalidNumber;
   const int32_t dataIndex = m_pData->CurrentData;
   if (!QuoteFieldValid(dataIndex, field)) return kInvalidNumber;
+  if (const CachedValue* hit = m_valueCache.FindSlot(slot)) {
+    return ApplyZeroRule(*row, hit->RealValue);
+  }
   const sysfuncs::CacheKey key = sysfuncs::CacheKey::OfDataSource(dataIndex, name);
   const CachedValue* cached = m_valueCache.Find(key.View());
   const double value =
       cached != nullptr ? cached->RealValue : FetchQuoteReal(dataIndex, field, key.View());
+  m_valueCache.RememberSlot(slot, cached != nullptr ? cached : m_valueCache.Find(key.View()));
   return ApplyZeroRule(*row, value);
 }
 
@@ -103,15 +109,29 @@ double SFImpl::FetchQuoteReal(int32_t dataIndex, int32_t field, std::string_view
   return value;
 }
 
+int32_t SFImpl::GetQuoteInteger(int32_t field) {
+  const sysfuncs::QuoteField* row = sysfuncs::FindQuoteField(field);
+  if (row == nullptr) return kInvalidInteger;
+  return QuoteInteger(field, row->Name, sysfuncs::QuoteSlot(m_pData->CurrentData, field));
+}
+
 int32_t SFImpl::GetQuoteInteger(int32_t field, std::string_view name) {
+  return QuoteInteger(field, name, sysfuncs::kNoSlot);
+}
+
+int32_t SFImpl::QuoteInteger(int32_t field, std::string_view name, size_t slot) {
   const sysfuncs::QuoteField* row = sysfuncs::FindQuoteField(field);
   if (row == nullptr || row->Integer == nullptr) return kInvalidInteger;
   // The day rule is for real fields only.
   if (!IsLastBar()) return kInvalidInteger;
+  if (const CachedValue* hit = m_valueCache.FindSlot(slot)) return hit->IntValue;
   const int32_t dataIndex = m_pData->CurrentData;
   const sysfuncs::CacheKey key = sysfuncs::CacheKey::OfDataSource(dataIndex, name);
-  if (const CachedValue* cached = m_valueCache.Find(key.View())) return cached->IntValue;
-  return FetchQuoteInteger(dataIndex, field, key.View());
+  const CachedValue* cached = m_valueCache.Find(key.View());
+  const int32_t value =
+      cached != nullptr ? cached->IntValue : FetchQuoteInteger(dataIndex, field, key.View());
+  m_valueCache.RememberSlot(slot, cached != nullptr ? cached : m_valueCache.Find(key.View()));
+  return value;
 }
 
 int32_t SFImpl::FetchQuoteInteger(int32_t dataIndex, int32_t field, std::string_view key) {

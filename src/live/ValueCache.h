@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // A memoised quote or account value.
 struct CachedValue {
@@ -37,9 +38,26 @@ class ValueCache {
 
   size_t Size() const { return entries_.size(); }
 
+  // Hits by slot. A slot stands for one key for the cache's whole life (one figure of one data
+  // source), so a repeated read neither builds nor searches the key's text. Entries are never
+  // removed, so a remembered entry stays valid.
+  const CachedValue* FindSlot(size_t slot) const {
+    return slot < slots_.size() ? slots_[slot] : nullptr;
+  }
+  // Remembers `entry` (null: nothing) for `slot`; kNoSlot is ignored.
+  void RememberSlot(size_t slot, const CachedValue* entry);
+
  private:
   std::map<std::string, CachedValue, std::less<>> entries_;
+  std::vector<const CachedValue*> slots_;
 };
+
+// Slot numbers: the account summary figures first, then per data source its 30 quote fields and
+// 11 position figures. Data sources beyond the first 64 have none.
+inline constexpr size_t kNoSlot = static_cast<size_t>(-1);
+size_t AccountSlot(int32_t number);
+size_t QuoteSlot(int32_t dataIndex, int32_t field);
+size_t PositionSlot(int32_t dataIndex, int32_t number);
 
 // A key text built in place: "Data%d.%s" and "Data%d.Q_BSType[%d,%d]" without touching the heap.
 // Text that would not fit is cut off.

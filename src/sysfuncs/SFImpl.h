@@ -219,6 +219,9 @@ class SFImpl : public IceUtil::Shared {
 
  private:
   void CachePrimarySymbol();
+  // A quote value through the cache; `slot` (kNoSlot: none) remembers the entry of its key.
+  double QuoteReal(int32_t field, std::string_view name, size_t slot);
+  int32_t QuoteInteger(int32_t field, std::string_view name, size_t slot);
   template <typename Result, typename Read>
   Result ReadOrder(sysfuncs::OrderBook book, int32_t index, Read read, Result invalid) const;
 };

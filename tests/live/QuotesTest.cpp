@@ -1,6 +1,10 @@
 // Real-time quotes: the field table, the value cache, the day and zero rules, depth values, and
 // the day's limits cached at construction.
+#include "sysfuncs/SFImpl.h"
+
+#include "live/Account.h"
 #include "live/LiveHost.h"
+#include "live/QuoteFields.h"
 #include "support/AllocationCounter.h"
 
 #include <gtest/gtest.h>
@@ -162,6 +166,59 @@ TEST(Quotes, EachKeyIsFetchedOncePerInstanceAndANewInstanceFetchesAgain) {
   EXPECT_TRUE(again.QuoteDataExist());
   EXPECT_TRUE(again.QuoteDataExist());
   EXPECT_EQ(live.adapter.quoteCalls, 3);
+}
+
+TEST(Quotes, ValuesAreKeptUnderTheirKeyTextsWithTheRawValue) {
+  LiveHost live;
+  live.adapter.quotes["rb2410"] = Snapshot();
+  live.adapter.quotes["rb2410"].LastPrice = 0;
+  live.adapter.summary.CurrentEquity = 1020;
+  live.AtLastBar();
+  SFImpl impl(&live.host.data);
+  EXPECT_EQ(impl.GetQuoteReal(kQuoteLast), kNoNumber);
+  EXPECT_EQ(impl.GetQuoteInteger(kQuoteOpenIntFlag), -1);
+  EXPECT_EQ(impl.GetDepthValue(-1, 0), kNoNumber);
+  EXPECT_EQ(impl.GetDepthValue(2, 1), 12);
+  EXPECT_EQ(impl.GetAccountValue(kAccountCurrentEquity), 1020);
+  EXPECT_EQ(impl.GetPositionValue(kPositionBuyPosition), 0);
+  const struct {
+    const char* key;
+    int32_t kind;
+    double real;
+    int32_t integer;
+  } rows[] = {{"Data0.Q_Last", 4, 0, 0},  // the raw 0: the zero rule applies per read
+              {"Data0.Q_OpenIntFlag", 10, 0, -1}, {"Data0.Q_BSType[-1,0]", 4, kNoNumber, 0},
+              {"Data0.Q_BSType[2,1]", 4, 12, 0},  {"A_CurrentEquity", 4, 1020, 0},
+              {"Data0.A_BuyPosition", 4, 0, 0}};
+  for (const auto& row : rows) {
+    const CachedValue* entry = impl.m_valueCache.Find(row.key);
+    ASSERT_NE(entry, nullptr) << row.key;
+    EXPECT_EQ(entry->Kind, row.kind) << row.key;
+    EXPECT_EQ(entry->RealValue, row.real) << row.key;
+    EXPECT_EQ(entry->IntValue, row.integer) << row.key;
+    EXPECT_EQ(entry->Text, "") << row.key;
+  }
+  // Limits answer on the last bar, so construction cached them too.
+  EXPECT_EQ(impl.m_valueCache.Size(), 8u);
+  EXPECT_EQ(impl.m_valueCache.Find("Data0.Q_UpperLimit")->RealValue, 4280);
+  EXPECT_EQ(impl.m_dUpperLimit, 4280);
+  EXPECT_EQ(impl.m_dLowerLimit, 3720);
+}
+
+TEST(Quotes, EachDataSourceAsksForItsOwnSymbol) {
+  LiveHost live;
+  live.host.AddSource("cu2410", ThreeBars());
+  live.adapter.quotes["rb2410"] = Snapshot();
+  live.adapter.quotes["cu2410"] = Snapshot();
+  live.adapter.quotes["cu2410"].LastPrice = 70120;
+  CSystemFuncs& f = live.AtLastBar();
+  for (int round = 0; round < 2; ++round) {
+    live.host.At(1, 2);
+    EXPECT_EQ(f.Q_Last(), 70120);
+    live.host.At(0, 2);
+    EXPECT_EQ(f.Q_Last(), 4050);
+  }
+  EXPECT_EQ(live.adapter.quoteCalls, 2);
 }
 
 TEST(Quotes, AFailedFetchStoresNothingAndIsAskedAgain) {
