@@ -2,6 +2,8 @@
 // and another data source's cached property list.
 #include "sysfuncs/sysfuncs.h"
 
+#include "BenchMain.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -78,11 +80,5 @@ BENCHMARK(CanTradeDataSource1);
 
 int main(int argc, char** argv) {
   ContractAdapter adapter;
-  SysFuncs_Init(nullptr, &adapter, "", "");
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  SysFuncs_Exit();
-  return 0;
+  return RunBenchmarksWithAdapter(adapter, argc, argv);
 }

@@ -3,6 +3,7 @@
 #include "sysfuncs/sysfuncs.h"
 
 #include "AllocationCounter.h"
+#include "BenchMain.h"
 
 #include <benchmark/benchmark.h>
 
@@ -119,11 +120,5 @@ BENCHMARK(BidPriceCachedHit)->ArgName("full")->Arg(1);
 
 int main(int argc, char** argv) {
   LiveAdapter adapter;
-  SysFuncs_Init(nullptr, &adapter, "", "");
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  SysFuncs_Exit();
-  return 0;
+  return RunBenchmarksWithAdapter(adapter, argc, argv);
 }

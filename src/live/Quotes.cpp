@@ -86,17 +86,27 @@ double SFImpl::GetQuoteReal(int32_t field, std::string_view name) {
 double SFImpl::QuoteReal(int32_t field, std::string_view name, size_t slot) {
   const sysfuncs::QuoteField* row = sysfuncs::FindQuoteField(field);
   if (row == nullptr || row->Real == nullptr) return kInvalidNumber;
+  if (!QuoteFieldValid(m_pData->CurrentData, field)) return kInvalidNumber;
+  const CachedValue* entry = QuoteEntry(*row, name, slot);
+  return ApplyZeroRule(*row, entry != nullptr ? entry->RealValue : kInvalidNumber);
+}
+
+const CachedValue* SFImpl::QuoteEntry(const sysfuncs::QuoteField& row, std::string_view name,
+                                      size_t slot) {
+  if (const CachedValue* hit = m_valueCache.FindSlot(slot)) return hit;
   const int32_t dataIndex = m_pData->CurrentData;
-  if (!QuoteFieldValid(dataIndex, field)) return kInvalidNumber;
-  if (const CachedValue* hit = m_valueCache.FindSlot(slot)) {
-    return ApplyZeroRule(*row, hit->RealValue);
-  }
   const sysfuncs::CacheKey key = sysfuncs::CacheKey::OfDataSource(dataIndex, name);
-  const CachedValue* cached = m_valueCache.Find(key.View());
-  const double value =
-      cached != nullptr ? cached->RealValue : FetchQuoteReal(dataIndex, field, key.View());
-  m_valueCache.RememberSlot(slot, cached != nullptr ? cached : m_valueCache.Find(key.View()));
-  return ApplyZeroRule(*row, value);
+  const CachedValue* entry = m_valueCache.Find(key.View());
+  if (entry == nullptr) {
+    if (row.Real != nullptr) {
+      FetchQuoteReal(dataIndex, row.Number, key.View());
+    } else {
+      FetchQuoteInteger(dataIndex, row.Number, key.View());
+    }
+    entry = m_valueCache.Find(key.View());  // none when the fetch failed
+  }
+  m_valueCache.RememberSlot(slot, entry);
+  return entry;
 }
 
 double SFImpl::FetchQuoteReal(int32_t dataIndex, int32_t field, std::string_view key) {
@@ -124,14 +134,8 @@ int32_t SFImpl::QuoteInteger(int32_t field, std::string_view name, size_t slot) 
   if (row == nullptr || row->Integer == nullptr) return kInvalidInteger;
   // The day rule is for real fields only.
   if (!IsLastBar()) return kInvalidInteger;
-  if (const CachedValue* hit = m_valueCache.FindSlot(slot)) return hit->IntValue;
-  const int32_t dataIndex = m_pData->CurrentData;
-  const sysfuncs::CacheKey key = sysfuncs::CacheKey::OfDataSource(dataIndex, name);
-  const CachedValue* cached = m_valueCache.Find(key.View());
-  const int32_t value =
-      cached != nullptr ? cached->IntValue : FetchQuoteInteger(dataIndex, field, key.View());
-  m_valueCache.RememberSlot(slot, cached != nullptr ? cached : m_valueCache.Find(key.View()));
-  return value;
+  const CachedValue* entry = QuoteEntry(*row, name, slot);
+  return entry != nullptr ? entry->IntValue : kInvalidInteger;
 }
 
 int32_t SFImpl::FetchQuoteInteger(int32_t dataIndex, int32_t field, std::string_view key) {

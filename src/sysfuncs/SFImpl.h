@@ -11,6 +11,7 @@
 #include "sysfuncs/HostData.h"
 
 #include "live/BrokerOrders.h"
+#include "live/QuoteFields.h"
 #include "live/ValueCache.h"
 #include "strategy/LedgerStatistics.h"
 #include "strategy/SignalOrders.h"
@@ -222,6 +223,9 @@ class SFImpl : public IceUtil::Shared {
   // A quote value through the cache; `slot` (kNoSlot: none) remembers the entry of its key.
   double QuoteReal(int32_t field, std::string_view name, size_t slot);
   int32_t QuoteInteger(int32_t field, std::string_view name, size_t slot);
+  // The entry of a quote value, fetched when the cache has none; null when the fetch failed.
+  const CachedValue* QuoteEntry(const sysfuncs::QuoteField& row, std::string_view name,
+                                size_t slot);
   template <typename Result, typename Read>
   Result ReadOrder(sysfuncs::OrderBook book, int32_t index, Read read, Result invalid) const;
 };
