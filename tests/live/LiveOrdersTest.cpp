@@ -92,13 +92,6 @@ TEST(LiveOrders, EveryFailedPreconditionRefusesWithoutShowingTheOrder) {
   }
 }
 
-TEST(LiveOrders, ARefusalInTheFrontEndIsAFailure) {
-  LiveHost live;
-  FrontEnd front(LastBarTime(live), 0);
-  EXPECT_FALSE(live.AtLastBar().A_SendOrder(1, 0, 1, 4000, 0, 0));
-  EXPECT_EQ(front.shown.size(), 1u);
-}
-
 TEST(LiveOrders, PricesGoOnTheTickGridInTheOrdersDirection) {
   const struct {
     int32_t buyOrSell;
@@ -191,7 +184,11 @@ TEST(LiveOrders, DeleteOrderReportsOnlyWhetherTheOpenOrdersCouldBeRead) {
   live.host.At(0, 1);
   EXPECT_FALSE(f.A_DeleteOrder(""));
   EXPECT_EQ(live.adapter.openOrderCalls, 2);
-  EXPECT_TRUE(live.adapter.cancelled.empty());
+  // The front end's refusal of an order is a failure too.
+  FrontEnd front(LastBarTime(live), 0);
+  live.host.At(0, 2);
+  EXPECT_FALSE(f.A_SendOrder(1, 0, 1, 4000, 0, 0));
+  EXPECT_EQ(front.shown.size(), 1u);
 }
 
 }  // namespace

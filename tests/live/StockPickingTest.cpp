@@ -84,32 +84,26 @@ TEST(StockPicking, APoolRunHoldsTheSymbolWhileItRanksInTheTopTwo) {
   }
 }
 
-TEST(StockPicking, ASortValueGivenTwiceOnOneBarKeepsTheSecond) {
+TEST(StockPicking, SortValuesKeepTheLastPairAndRanksAnswerOnlyInAPool) {
   LiveHost live(FourDays());
   CSystemFuncs& f = live.Funcs(1);
   f.SetSPSortValue(7, 1.5, true);
   f.SetSPSortValue(3, 2.5, false);
   f.SetSPSortValue(7, -4.0, false);
-  const auto& points = live.host.data.Account->CheckPoints;
-  ASSERT_EQ(points.size(), 1u);
-  const CheckPointRecord& record = points.begin()->second;
-  EXPECT_EQ(points.begin()->first, live.host.sources[0].Bars[1].Time);
+  StrategyAccount& account = *live.host.data.Account;
+  ASSERT_EQ(account.CheckPoints.size(), 1u);
+  const CheckPointRecord& record = account.CheckPoints.at(live.host.sources[0].Bars[1].Time);
   EXPECT_EQ(record.Bar, 1);
   EXPECT_EQ(record.Signal, 0);
   EXPECT_EQ(record.Enabled, 0);
   EXPECT_EQ(record.SortValues.at(7), std::make_pair(-4.0, false));
   EXPECT_EQ(record.SortValues.at(3), std::make_pair(2.5, false));
-}
 
-TEST(StockPicking, RanksAreReadOnlyInsideARankedPool) {
-  LiveHost live(FourDays());
-  CSystemFuncs& f = live.Funcs(2);
-  StrategyAccount& account = *live.host.data.Account;
-  account.RankingTable[live.host.sources[0].Bars[2].Time][4] = 9;
+  account.RankingTable[live.host.sources[0].Bars[1].Time][4] = 9;
   EXPECT_EQ(f.GetSPSortRanking(4), kNoInteger) << "outside a pool";
   account.PoolMode = true;
   EXPECT_EQ(f.GetSPSortRanking(4), 9);
-  live.host.At(0, 1);
+  live.host.At(0, 2);
   EXPECT_EQ(f.GetSPSortRanking(4), kNoInteger) << "no entry at this bar's time";
 }
 
