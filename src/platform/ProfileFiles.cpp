@@ -14,7 +14,8 @@
 // - Writing creates the file, the section and the key as needed, replaces the first value of the
 //   key and writes "key=value"; a file that cannot be written (a missing folder, no permission)
 //   fails and keeps its content.
-// A relative file name is taken from the current directory.
+// A relative file name is taken from the current directory. Keys written before the first section
+// header belong to the section whose name is the empty text.
 #include "platform/Services.h"
 
 #include <algorithm>

@@ -63,41 +63,38 @@ TEST_F(Alerts, RepeatedTextsAllReachTheHostInCallOrder) {
 }
 
 TEST_F(Alerts, CommentaryGrowsTheListToTheCurrentBarAndKeepsCallOrder) {
-  host.At(0, 2);
+  host.sources[0].Bars = EvenBars(0, 60000, 8);
+  host.At(0, 5);
   EXPECT_TRUE(funcs->Commentary("first"));
-  ASSERT_EQ(host.data.Commentaries.size(), 3u);
+  ASSERT_EQ(host.data.Commentaries.size(), 6u);  // bar 5 with none before: six entries
   EXPECT_TRUE(host.data.Commentaries[0].empty());
-  EXPECT_GE(host.data.Commentaries[2].capacity(), 10u);  // room for ten texts made at once
+  EXPECT_GE(host.data.Commentaries[5].capacity(), 10u);  // room for ten texts made at once
   EXPECT_TRUE(funcs->Commentary("N/A")) << "N/A is a text like any other here";
   EXPECT_FALSE(funcs->Commentary(""));
-  EXPECT_EQ(host.data.Commentaries[2], (std::vector<std::string>{"first", "N/A"}));
+  EXPECT_EQ(host.data.Commentaries[5], (std::vector<std::string>{"first", "N/A"}));
 
   // An earlier bar is written without shrinking the list.
   host.At(0, 0);
   EXPECT_TRUE(funcs->Commentary("early"));
-  EXPECT_EQ(host.data.Commentaries.size(), 3u);
-  EXPECT_EQ(host.data.Commentaries[0], std::vector<std::string>{"early"});
-}
-
-TEST_F(Alerts, CommentaryOnBarFiveWithNoneBeforeMakesSixEntries) {
-  host.sources[0].Bars = EvenBars(0, 60000, 8);
-  host.At(0, 5);
-  EXPECT_TRUE(funcs->Commentary("x"));
   EXPECT_EQ(host.data.Commentaries.size(), 6u);
-}
+  EXPECT_EQ(host.data.Commentaries[0], std::vector<std::string>{"early"});
 
-TEST_F(Alerts, CommentaryIsRefusedInReportRunsAndBeforeTheFirstBar) {
-  for (int32_t mode : {1, 2}) {
-    host.data.OutputMode = mode;
-    EXPECT_FALSE(funcs->Commentary("x")) << mode;
-  }
+  // Report runs and a bar before the first store nothing.
+  host.data.OutputMode = 1;
+  EXPECT_FALSE(funcs->Commentary("x"));
+  host.data.OutputMode = 2;
+  EXPECT_FALSE(funcs->Commentary("x"));
   host.data.OutputMode = 0;
   host.data.CurrentBar = -1;
   EXPECT_FALSE(funcs->Commentary("x"));
-  EXPECT_TRUE(host.data.Commentaries.empty());
+  EXPECT_EQ(host.data.Commentaries[0], std::vector<std::string>{"early"});
 }
 
 TEST_F(Alerts, SoundGoesToTheSoundServiceWhateverTheBarOrMode) {
+  // The default service: a missing file plays nothing.
+  EXPECT_FALSE(funcs->PlayWavSound("/nonexistent/folder/ding.wav"));
+  EXPECT_FALSE(funcs->PlayWavSound(""));
+
   std::vector<std::string> played;
   SysFuncsPlatform services;
   services.PlaySound = [&played](const std::string& path) {
@@ -111,11 +108,6 @@ TEST_F(Alerts, SoundGoesToTheSoundServiceWhateverTheBarOrMode) {
   EXPECT_TRUE(funcs->PlayWavSound("/sounds/ding.wav"));
   EXPECT_FALSE(funcs->PlayWavSound("/sounds/readme.txt"));
   EXPECT_EQ(played, (std::vector<std::string>{"/sounds/ding.wav", "/sounds/readme.txt"}));
-}
-
-TEST_F(Alerts, AMissingSoundFilePlaysNothing) {
-  EXPECT_FALSE(funcs->PlayWavSound("/nonexistent/folder/ding.wav"));
-  EXPECT_FALSE(funcs->PlayWavSound(""));
 }
 
 TEST_F(Alerts, FormulaNameIsTheHostsName) {

@@ -170,29 +170,5 @@ TEST_F(ProfileStrings, AFileThatCannotBeWrittenFailsAndKeepsItsContent) {
   EXPECT_EQ(funcs->GetQXProfileString2File(locked, "s", "k"), "old");
 }
 
-TEST_F(ProfileStrings, FileServicesCanBeReplacedByTheHost) {
-  std::string asked;
-  SysFuncsPlatform services;
-  services.GetPrivateProfileString = [&asked](const std::string& section, const std::string& key,
-                                              const std::string& defaultText, char* buffer,
-                                              uint32_t size, const std::string& file) {
-    asked = file + "|" + section + "|" + key + "|" + defaultText + "|" + std::to_string(size);
-    // Fills the whole buffer: the text ends at the first NUL.
-    for (uint32_t i = 0; i < size; ++i) buffer[i] = 'z';
-    buffer[5] = '\0';
-    return uint32_t{5};
-  };
-  services.WritePrivateProfileString = [&asked](const std::string& section, const std::string& key,
-                                                const std::string& text, const std::string& file) {
-    asked = file + "|" + section + "|" + key + "|" + text;
-    return false;
-  };
-  ScopedPlatform platform(services);
-  EXPECT_EQ(funcs->GetQXProfileString2File("f.ini", "s", "k"), "zzzzz");
-  EXPECT_EQ(asked, "f.ini|s|k|N/A|260");
-  EXPECT_FALSE(funcs->SetQXProfileString2File("f.ini", "s", "k", "value"));
-  EXPECT_EQ(asked, "f.ini|s|k|" + kNotice);
-}
-
 }  // namespace
 }  // namespace sysfuncs::testing

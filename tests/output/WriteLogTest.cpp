@@ -7,10 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <sstream>
 #include <string>
-#include <thread>
-#include <vector>
 
 namespace sysfuncs::testing {
 namespace {
@@ -56,32 +53,6 @@ TEST_F(WriteLogTest, AFileThatCannotBeOpenedIsSkippedButTheLineIsPrinted) {
   WriteLog(folder / "missing/x.log", "kept %d\n", 1);
   EXPECT_EQ(::testing::internal::GetCapturedStdout(), "[20240305 090702] kept 1\n");
   EXPECT_FALSE(fs::exists(folder.path() / "missing"));
-}
-
-TEST_F(WriteLogTest, ConcurrentWritersNeverMixTheirLines) {
-  const std::string file = folder / "mixed.log";
-  ::testing::internal::CaptureStdout();
-  std::vector<std::thread> writers;
-  for (int writer = 0; writer < 4; ++writer) {
-    writers.emplace_back([&file, writer] {
-      for (int line = 0; line < 50; ++line) WriteLog(file, "writer %d line %02d\n", writer, line);
-    });
-  }
-  for (std::thread& writer : writers) writer.join();
-  ::testing::internal::GetCapturedStdout();
-  std::istringstream lines(ReadWholeFile(file));
-  std::string line;
-  int count = 0;
-  int next[4] = {};
-  while (std::getline(lines, line)) {
-    ASSERT_EQ(line.size(), 34u) << line;  // "[20240305 090702] writer W line NN"
-    const int writer = line[25] - '0';
-    ASSERT_GE(writer, 0);
-    ASSERT_LT(writer, 4);
-    EXPECT_EQ(std::stoi(line.substr(32)), next[writer]++) << line;
-    ++count;
-  }
-  EXPECT_EQ(count, 200);
 }
 
 }  // namespace
