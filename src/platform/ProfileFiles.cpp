@@ -45,6 +45,13 @@ void Configure(CSimpleIniA& ini) {
   ini.SetQuotes(true);
 }
 
+// Loads a profile file; false when `file` is not a regular file or cannot be read. A folder is
+// never handed to the reader, which would take its size for the length of a text.
+bool Load(CSimpleIniA& ini, const std::string& file) {
+  std::error_code error;
+  return std::filesystem::is_regular_file(file, error) && ini.LoadFile(file.c_str()) >= 0;
+}
+
 uint32_t CopyCut(const std::string& text, char* buffer, uint32_t size) {
   if (buffer == nullptr || size == 0) return 0;
   const size_t count = std::min<size_t>(text.size(), size - 1);
@@ -63,7 +70,7 @@ uint32_t DefaultGetPrivateProfileString(const std::string& section, const std::s
     std::lock_guard<std::mutex> lock(ProfileMutex());
     CSimpleIniA ini;
     Configure(ini);
-    if (ini.LoadFile(file.c_str()) >= 0) {
+    if (Load(ini, file)) {
       const char* found = ini.GetValue(section.c_str(), key.c_str(), nullptr);
       if (found != nullptr) value = found;
     }
@@ -78,7 +85,7 @@ bool DefaultWritePrivateProfileString(const std::string& section, const std::str
   CSimpleIniA ini;
   Configure(ini);
   std::error_code error;
-  if (std::filesystem::exists(file, error) && ini.LoadFile(file.c_str()) < 0) return false;
+  if (std::filesystem::exists(file, error) && !Load(ini, file)) return false;
   if (ini.SetValue(section.c_str(), key.c_str(), text.c_str(), nullptr, true) < 0) return false;
   std::string content;
   if (ini.Save(content) < 0) return false;
