@@ -59,6 +59,21 @@ struct SysFuncsPlatform {
 
   // The present time in milliseconds since 1970-01-01 UTC. The default reads the system clock.
   std::function<int64_t()> Now;
+
+  // Reads `key` of `section` of an INI profile file into `buffer` of `size` bytes, NUL-terminated
+  // and cut to size - 1 bytes; copies `defaultText` when the file, the section or the key is
+  // missing. Returns the number of bytes copied, without the NUL. Sections and keys match
+  // without regard to letter case.
+  std::function<uint32_t(const std::string& section, const std::string& key,
+                         const std::string& defaultText, char* buffer, uint32_t size,
+                         const std::string& file)>
+      GetPrivateProfileString;
+
+  // Writes `key`=`text` into `section` of an INI profile file, creating the file, the section and
+  // the key as needed and replacing an earlier value; false when the file cannot be written.
+  std::function<bool(const std::string& section, const std::string& key, const std::string& text,
+                     const std::string& file)>
+      WritePrivateProfileString;
 };
 
 // Replaces the services given (non-empty members) and keeps the others.

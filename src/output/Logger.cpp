@@ -27,7 +27,10 @@ void CTimerTask_Logger::HandOver() {
   }
   if (pending.empty()) return;
 
+  size_t lineCount = 0;
+  for (const auto& entry : pending) lineCount += entry.second.size();
   std::vector<Quill::MsgRecord> records;
+  records.reserve(lineCount);
   for (const auto& [file, lines] : pending) {
     char key[32];
     std::snprintf(key, sizeof key, "FA[%s]", file.c_str());

@@ -44,6 +44,8 @@ SysFuncsPlatform SysFuncs_DefaultPlatform() {
   services.MessageBox = sysfuncs::DefaultMessageBox;
   services.DeleteFile = sysfuncs::DefaultDeleteFile;
   services.Now = sysfuncs::SystemNowMillis;
+  services.GetPrivateProfileString = sysfuncs::DefaultGetPrivateProfileString;
+  services.WritePrivateProfileString = sysfuncs::DefaultWritePrivateProfileString;
   return services;
 }
 
@@ -57,5 +59,7 @@ void SysFuncs_SetPlatform(const SysFuncsPlatform& given) {
   sysfuncs::Replace(services.MessageBox, given.MessageBox);
   sysfuncs::Replace(services.DeleteFile, given.DeleteFile);
   sysfuncs::Replace(services.Now, given.Now);
+  sysfuncs::Replace(services.GetPrivateProfileString, given.GetPrivateProfileString);
+  sysfuncs::Replace(services.WritePrivateProfileString, given.WritePrivateProfileString);
   current = std::make_shared<const SysFuncsPlatform>(std::move(services));
 }

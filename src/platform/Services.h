@@ -25,6 +25,11 @@ int DefaultSendToMsgCenter(int kind, const Quill::MsgRecord* records, size_t cou
 bool DefaultPlaySound(const std::string& path);
 void DefaultMessageBox(const std::string& text);
 bool DefaultDeleteFile(const std::string& path);
+uint32_t DefaultGetPrivateProfileString(const std::string& section, const std::string& key,
+                                        const std::string& defaultText, char* buffer, uint32_t size,
+                                        const std::string& file);
+bool DefaultWritePrivateProfileString(const std::string& section, const std::string& key,
+                                      const std::string& text, const std::string& file);
 
 }  // namespace sysfuncs
 

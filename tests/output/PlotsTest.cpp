@@ -1,0 +1,242 @@
+#include "sysfuncs/SystemFuncs.h"
+
+#include "support/HostBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <string>
+
+namespace sysfuncs::testing {
+namespace {
+
+// A formula on a five-bar series, evaluating bar 2 unless a test moves it.
+class Plots : public ::testing::Test {
+ protected:
+  Plots() {
+    host.AddSource("s", EvenBars(0, 60000, 5));
+    host.At(0, 0);
+    funcs = std::make_unique<CSystemFuncs>(&host.data);
+    host.At(0, 2);
+  }
+
+  const PlotCell& Cell(size_t series, size_t bar) const {
+    return host.data.Plots.at(series).cells.at(bar);
+  }
+
+  TestHost host;
+  std::unique_ptr<CSystemFuncs> funcs;
+};
+
+TEST_F(Plots, NumericFillsItsCellOfASeriesOfBarCountCells) {
+  EXPECT_EQ(funcs->PlotNumeric("MA", 10.5, 0.25, 0xFF00, 0), 10.5);
+  ASSERT_EQ(host.data.Plots.size(), 1u);
+  EXPECT_EQ(host.data.Plots[0].name, "MA");
+  ASSERT_EQ(host.data.Plots[0].cells.size(), 5u);
+  const PlotCell& cell = Cell(0, 2);
+  EXPECT_TRUE(cell.numericSet);
+  EXPECT_EQ(cell.numericValue, 10.5);
+  EXPECT_EQ(cell.numericLocator, 0.25);
+  EXPECT_TRUE(cell.colorSet);
+  EXPECT_EQ(cell.color, 0xFF00);
+  // Only its own fields and the colour pair: the bool and text parts are as new.
+  EXPECT_FALSE(cell.boolSet);
+  EXPECT_FALSE(cell.stringSet);
+  EXPECT_EQ(cell.boolLocator, kInvalidNumber);
+  EXPECT_EQ(cell.stringLocator, kInvalidNumber);
+  // Untouched cells are new cells.
+  for (size_t bar : {0u, 1u, 3u, 4u}) {
+    const PlotCell& other = Cell(0, bar);
+    EXPECT_FALSE(other.numericSet || other.boolSet || other.stringSet || other.colorSet) << bar;
+    EXPECT_EQ(other.numericValue, 0.0) << bar;
+    EXPECT_EQ(other.numericLocator, kInvalidNumber) << bar;
+    EXPECT_EQ(other.color, 0) << bar;
+  }
+}
+
+TEST_F(Plots, OneCellHoldsBoolNumericAndTextAtOnce) {
+  EXPECT_TRUE(funcs->PlotBool("mix", true, 1.0, 7, 0));
+  EXPECT_EQ(funcs->PlotNumeric("mix", 3.5, 2.0, 8, 0), 3.5);
+  EXPECT_EQ(funcs->PlotString("mix", "up", 3.0, -1, 0), "up");
+  const PlotCell& cell = Cell(0, 2);
+  EXPECT_TRUE(cell.boolSet && cell.boolValue);
+  EXPECT_EQ(cell.boolLocator, 1.0);
+  EXPECT_TRUE(cell.numericSet);
+  EXPECT_EQ(cell.numericLocator, 2.0);
+  EXPECT_TRUE(cell.stringSet);
+  EXPECT_EQ(cell.text, "up");
+  EXPECT_EQ(cell.stringLocator, 3.0);
+  // The last colour given wins; -1 is stored and shows no colour.
+  EXPECT_FALSE(cell.colorSet);
+  EXPECT_EQ(cell.color, -1);
+  // A false bool is still a bool mark, and PlotBool answers the value.
+  EXPECT_FALSE(funcs->PlotBool("mix", false, 0.0, 7, 1));
+  EXPECT_TRUE(Cell(0, 1).boolSet);
+  EXPECT_FALSE(Cell(0, 1).boolValue);
+}
+
+TEST_F(Plots, LocatorIsKeptOnlyAboveOneTenMillionth) {
+  const struct {
+    double first, second, expected;
+  } rows[] = {
+      {0.0, 0.0, kInvalidNumber},  // a fresh cell keeps "no locator"
+      {1e-7, -1e-7, kInvalidNumber},
+      {5.0, 0.0, 5.0},  // a small locator leaves the earlier one
+      {5.0, 1e-7, 5.0},
+      {5.0, -1e-7, 5.0},
+      {5.0, 1.5e-7, 1.5e-7},
+      {5.0, -2.0, -2.0},
+  };
+  for (const auto& row : rows) {
+    host.At(0, 4);
+    host.data.Plots.clear();
+    funcs->PlotNumeric("L", 1.0, row.first, -1, 0);
+    funcs->PlotNumeric("L", 1.0, row.second, -1, 0);
+    funcs->PlotBool("L", true, row.first, -1, 0);
+    funcs->PlotBool("L", true, row.second, -1, 0);
+    funcs->PlotString("L", "t", row.first, -1, 0);
+    funcs->PlotString("L", "t", row.second, -1, 0);
+    EXPECT_EQ(Cell(0, 4).numericLocator, row.expected) << row.first << " then " << row.second;
+    EXPECT_EQ(Cell(0, 4).boolLocator, row.expected) << row.first << " then " << row.second;
+    EXPECT_EQ(Cell(0, 4).stringLocator, row.expected) << row.first << " then " << row.second;
+  }
+}
+
+TEST_F(Plots, InvalidValuesAreStoredButNotShown) {
+  EXPECT_EQ(funcs->PlotNumeric("v", kInvalidNumber, 0.0, 3, 0), kInvalidNumber);
+  EXPECT_FALSE(Cell(0, 2).numericSet);
+  EXPECT_EQ(Cell(0, 2).numericValue, kInvalidNumber);
+  EXPECT_TRUE(Cell(0, 2).colorSet);
+
+  EXPECT_EQ(funcs->PlotString("v", "N/A", 0.0, -1, 0), "N/A");
+  EXPECT_FALSE(Cell(0, 2).stringSet);
+  EXPECT_EQ(Cell(0, 2).text, "N/A");
+  // Only the exact text is invalid.
+  EXPECT_EQ(funcs->PlotString("v", "n/a", 0.0, -1, 1), "n/a");
+  EXPECT_TRUE(Cell(0, 1).stringSet);
+}
+
+TEST_F(Plots, RefusalsAnswerEachFunctionsInvalidValueAndStoreNothing) {
+  const struct {
+    const char* why;
+    const char* name;
+    int32_t barsAgo;
+  } rows[] = {
+      {"the name N/A", "N/A", 0},
+      {"before the first bar", "p", 3},  // target 2 - 3 = -1
+      {"past the last bar", "p", -3},    // target 5 = BarCount
+      {"no overflow of the target", "p", INT_MIN},
+      {"no overflow the other way", "p", INT_MAX},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(funcs->PlotNumeric(row.name, 1.0, 0.0, -1, row.barsAgo), kInvalidNumber) << row.why;
+    EXPECT_FALSE(funcs->PlotBool(row.name, true, 0.0, -1, row.barsAgo)) << row.why;
+    EXPECT_EQ(funcs->PlotString(row.name, "t", 0.0, -1, row.barsAgo), "N/A") << row.why;
+    EXPECT_FALSE(funcs->Unplot(row.name, row.barsAgo)) << row.why;
+    EXPECT_TRUE(host.data.Plots.empty()) << row.why;
+  }
+  // The refused name is compared byte for byte: "n/a" is a name like any other.
+  EXPECT_EQ(funcs->PlotNumeric("n/a", 1.0, 0.0, -1, 0), 1.0);
+  // Bars inside the series are addressed both ways: the first bar and a later bar.
+  EXPECT_EQ(funcs->PlotNumeric("p", 2.0, 0.0, -1, 2), 2.0);
+  EXPECT_EQ(funcs->PlotNumeric("p", 4.0, 0.0, -1, -2), 4.0);
+  EXPECT_EQ(Cell(1, 0).numericValue, 2.0);
+  EXPECT_EQ(Cell(1, 4).numericValue, 4.0);
+}
+
+TEST_F(Plots, WhileOutputIsSuppressedNumericAndTextComeBackButBoolIsFalse) {
+  for (int32_t mode : {1, 2, -1}) {
+    host.data.OutputMode = mode;
+    EXPECT_EQ(funcs->PlotNumeric("p", 7.5, 0.0, -1, 0), 7.5) << mode;
+    EXPECT_EQ(funcs->PlotNumeric("N/A", 7.5, 0.0, -1, 0), 7.5) << mode;
+    EXPECT_EQ(funcs->PlotString("p", "text", 0.0, -1, 0), "text") << mode;
+    EXPECT_EQ(funcs->PlotString("p", "text", 0.0, -1, 99), "text") << mode;
+    EXPECT_FALSE(funcs->PlotBool("p", true, 0.0, -1, 0)) << mode;
+    EXPECT_TRUE(host.data.Plots.empty()) << mode;
+  }
+  host.data.OutputMode = 0;
+  ASSERT_TRUE(funcs->PlotBool("p", true, 0.0, -1, 0));
+  host.data.OutputMode = 1;
+  EXPECT_FALSE(funcs->Unplot("p", 0));
+  EXPECT_TRUE(Cell(0, 2).boolSet);
+}
+
+TEST_F(Plots, NamesMatchWithoutRegardToLetterCaseAndKeepTheFirstSpelling) {
+  funcs->PlotNumeric("MA", 1.0, 0.0, -1, 0);
+  funcs->PlotNumeric("Vol", 2.0, 0.0, -1, 0);
+  funcs->PlotNumeric("ma", 3.0, 0.0, -1, 1);
+  funcs->PlotNumeric("vOL", 4.0, 0.0, -1, 1);
+  ASSERT_EQ(host.data.Plots.size(), 2u);  // in order of first use
+  EXPECT_EQ(host.data.Plots[0].name, "MA");
+  EXPECT_EQ(host.data.Plots[1].name, "Vol");
+  EXPECT_EQ(Cell(0, 1).numericValue, 3.0);
+  EXPECT_EQ(Cell(1, 1).numericValue, 4.0);
+  EXPECT_TRUE(funcs->Unplot("mA", 1));
+  EXPECT_FALSE(Cell(0, 1).numericSet);
+
+  // Chinese names: the ASCII letters around them fold, the characters stay what they are.
+  funcs->PlotNumeric("均线A", 5.0, 0.0, -1, 0);
+  funcs->PlotNumeric("均线a", 6.0, 0.0, -1, 0);
+  funcs->PlotNumeric("均价a", 7.0, 0.0, -1, 0);
+  ASSERT_EQ(host.data.Plots.size(), 4u);
+  EXPECT_EQ(host.data.Plots[2].name, "均线A");
+  EXPECT_EQ(Cell(2, 2).numericValue, 6.0);
+  EXPECT_EQ(Cell(3, 2).numericValue, 7.0);
+}
+
+#if defined(SYSFUNCS_CHARSET_GB18030)
+TEST_F(Plots, TheSecondByteOfAGbkCharacterIsNotALetter) {
+  // 0x81 0x41 and 0x81 0x61 are two different characters whose second bytes read as 'A' and 'a'.
+  funcs->PlotNumeric("\x81\x41", 1.0, 0.0, -1, 0);
+  funcs->PlotNumeric("\x81\x61", 2.0, 0.0, -1, 0);
+  ASSERT_EQ(host.data.Plots.size(), 2u);
+  // A letter after a character still folds.
+  funcs->PlotNumeric("\x81\x41Z", 3.0, 0.0, -1, 0);
+  funcs->PlotNumeric("\x81\x41z", 4.0, 0.0, -1, 0);
+  ASSERT_EQ(host.data.Plots.size(), 3u);
+  EXPECT_EQ(Cell(2, 2).numericValue, 4.0);
+}
+#endif
+
+TEST_F(Plots, EveryPlotFollowsTheBarCountButUnplotNeverResizes) {
+  funcs->PlotNumeric("p", 1.0, 0.0, -1, 0);
+  ASSERT_EQ(host.data.Plots[0].cells.size(), 5u);
+  // The bar series grows by three bars: the next plot grows the series, cells kept.
+  host.sources[0].Bars = EvenBars(0, 60000, 8);
+  host.At(0, 7);
+  EXPECT_FALSE(funcs->Unplot("p", 0)) << "cell 7 does not exist yet";
+  EXPECT_EQ(host.data.Plots[0].cells.size(), 5u);
+  funcs->PlotBool("P", true, 0.0, -1, 0);
+  ASSERT_EQ(host.data.Plots[0].cells.size(), 8u);
+  EXPECT_EQ(Cell(0, 2).numericValue, 1.0);
+  EXPECT_TRUE(Cell(0, 7).boolSet);
+  // A shrinking series drops cells at the end.
+  host.sources[0].Bars = EvenBars(0, 60000, 3);
+  host.At(0, 2);
+  funcs->PlotString("p", "x", 0.0, -1, 0);
+  ASSERT_EQ(host.data.Plots[0].cells.size(), 3u);
+  EXPECT_TRUE(Cell(0, 2).numericSet);
+  EXPECT_TRUE(Cell(0, 2).stringSet);
+}
+
+TEST_F(Plots, UnplotClearsTheFlagsAndKeepsTheValues) {
+  EXPECT_FALSE(funcs->Unplot("never", 0));
+  EXPECT_TRUE(host.data.Plots.empty()) << "Unplot creates no series";
+
+  funcs->PlotBool("p", true, 1.0, 4, 0);
+  funcs->PlotNumeric("p", 9.0, 2.0, 4, 0);
+  funcs->PlotString("p", "t", 3.0, 4, 0);
+  EXPECT_TRUE(funcs->Unplot("p", 0));
+  const PlotCell& cell = Cell(0, 2);
+  EXPECT_FALSE(cell.boolSet || cell.numericSet || cell.stringSet || cell.colorSet);
+  EXPECT_TRUE(cell.boolValue);
+  EXPECT_EQ(cell.numericValue, 9.0);
+  EXPECT_EQ(cell.text, "t");
+  EXPECT_EQ(cell.color, 4);
+  EXPECT_EQ(cell.numericLocator, 2.0);
+  EXPECT_TRUE(funcs->Unplot("p", 0)) << "a second Unplot clears again";
+  EXPECT_TRUE(funcs->Unplot("p", 1)) << "a cell that was never plotted exists";
+}
+
+}  // namespace
+}  // namespace sysfuncs::testing
