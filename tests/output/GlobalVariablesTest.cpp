@@ -37,20 +37,29 @@ TEST_F(GlobalVariables, NamesAreStrippedOfBlanksOnReadingOnly) {
   funcs->SetGlobalVar2(" x", 2.0);
   funcs->SetGlobalVar2("", 3.0);
   funcs->SetGlobalVar2("tab\t", 4.0);
+  funcs->SetGlobalVar2("\tlead", 6.0);
   funcs->SetGlobalVar2("a b", 5.0);
   const struct {
     const char* name;
     double expected;
+    const char* why;
   } rows[] = {
-      {"Count", 1.0},          {"  Count ", 1.0}, {"count", kInvalidNumber},  // letter case matters
-      {" x", kInvalidNumber},                     // stored with its blank, read as "x"
-      {"x", kInvalidNumber},   {"   ", 3.0},      // only blanks: the empty name
-      {"tab\t", 4.0},          {" tab\t ", 4.0},  // a tab is no blank
-      {"tab", kInvalidNumber}, {" a b ", 5.0},    // inner blanks stay
-      {"ab", kInvalidNumber},
+      {"Count", 1.0, "as stored"},
+      {"  Count ", 1.0, "blanks around are dropped"},
+      {"count", kInvalidNumber, "letter case matters"},
+      {" x", kInvalidNumber, "stored with its blank, read as x"},
+      {"x", kInvalidNumber, "no x was stored"},
+      {"   ", 3.0, "only blanks: the empty name"},
+      {"tab\t", 4.0, "as stored"},
+      {" tab\t ", 4.0, "a trailing tab is no blank"},
+      {" \tlead", 6.0, "a leading tab is no blank"},
+      {"tab", kInvalidNumber, "the tab stays"},
+      {"lead", kInvalidNumber, "the tab stays"},
+      {" a b ", 5.0, "inner blanks stay"},
+      {"ab", kInvalidNumber, "inner blanks stay"},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(funcs->GetGlobalVar2(row.name), row.expected) << '"' << row.name << '"';
+    EXPECT_EQ(funcs->GetGlobalVar2(row.name), row.expected) << '"' << row.name << "\": " << row.why;
   }
   // The stored names are exactly those given.
   EXPECT_EQ(host.data.NamedGlobalVars.count(" x"), 1u);
