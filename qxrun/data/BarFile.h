@@ -4,9 +4,8 @@
 
 #include "sysfuncs/HostData.h"
 
-#include <nlohmann/json_fwd.hpp>
-
 #include <filesystem>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace qxrun {
