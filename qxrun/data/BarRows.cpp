@@ -10,10 +10,6 @@ namespace {
 
 constexpr int64_t kMillisecondsPerDay = 86400000;
 
-std::string DelimiterName(char delimiter) {
-  return delimiter == '\t' ? std::string("tab") : std::string("'") + delimiter + "'";
-}
-
 }  // namespace
 
 BarRows::BarRows(const BarLayout& layout, std::string fileName)
@@ -98,7 +94,8 @@ QXBar BarRows::Read(std::string_view line, int64_t lineNumber) {
     Fail(lineNumber, missing,
          "missing column: the row has " + std::to_string(count) + " field" +
              (count == 1 ? "" : "s") + " split at " + DelimiterName(layout_.Delimiter) +
-             ", the field is column " + std::to_string(lowest + 1),
+             ", the field is column " + std::to_string(lowest + 1) +
+             DelimiterHint(line, layout_.Delimiter),
          line);
   }
 
@@ -146,6 +143,7 @@ QXBar BarRows::Read(std::string_view line, int64_t lineNumber) {
 }
 
 void BarRows::CountSpacing(int64_t localMilliseconds) {
+  if (localMilliseconds <= 0) return;  // the second pass through a repeated hour
   if (spacingCount_ > 0 && spacings_[lastSpacing_].first == localMilliseconds) {
     ++spacings_[lastSpacing_].second;
     return;

@@ -119,15 +119,9 @@ class LayoutResolver {
                      ": " + problem);
   }
 
-  // A hint for a row that splits into too few fields: the delimiter that would split it.
-  std::string DelimiterHint(std::string_view line) const {
-    const char other = DetectDelimiter(line);
-    if (other == layout_.Delimiter || line.find(other) == std::string_view::npos) return "";
-    const auto name = [](char c) {
-      return c == '\t' ? std::string("tab") : std::string("'") + c + "'";
-    };
-    return "; the line is split at " + name(layout_.Delimiter) + " but holds " + name(other) +
-           ": set \"delimiter\" in the column map";
+  std::string HintFor(std::string_view line) const {
+    const std::string hint = DelimiterHint(line, layout_.Delimiter);
+    return hint.empty() ? "; map it in the column map" : hint;
   }
 
   void ColumnsFromHeader() {
@@ -218,9 +212,9 @@ class LayoutResolver {
       if (layout_.HasHeader) {
         Fail(1, field,
              "no column of the header names it (header '" + Quoted(firstLine_) + "')" +
-                 DelimiterHint(firstLine_) + "; or map it in the column map");
+                 HintFor(firstLine_));
       }
-      Fail(barLineNumber_, field, "missing column" + DelimiterHint(barLine_));
+      Fail(barLineNumber_, field, "missing column" + DelimiterHint(barLine_, layout_.Delimiter));
     }
     for (const int column : layout_.Columns) {
       layout_.ColumnsNeeded = std::max(layout_.ColumnsNeeded, column + 1);
@@ -294,6 +288,17 @@ class LayoutResolver {
 }  // namespace
 
 const char* BarFieldName(BarField field) { return kFieldNames[Index(field)]; }
+
+std::string DelimiterName(char delimiter) {
+  return delimiter == '\t' ? std::string("tab") : std::string("'") + delimiter + "'";
+}
+
+std::string DelimiterHint(std::string_view line, char delimiter) {
+  const char other = DetectDelimiter(line);
+  if (other == delimiter || line.find(other) == std::string_view::npos) return "";
+  return "; the line is split at " + DelimiterName(delimiter) + " but holds " +
+         DelimiterName(other) + ": set \"delimiter\" in the column map";
+}
 
 int SplitFields(std::string_view line, char delimiter, std::string_view* fields, int limit) {
   int count = 0;
