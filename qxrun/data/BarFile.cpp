@@ -4,6 +4,7 @@
 #include "qxrun/data/BarRows.h"
 #include "qxrun/data/CsvLayout.h"
 #include "qxrun/data/LineStream.h"
+#include "qxrun/data/MemoryHints.h"
 
 #include <algorithm>
 
@@ -12,6 +13,13 @@ namespace {
 
 bool IsBlankLine(std::string_view line) {
   return std::all_of(line.begin(), line.end(), [](char c) { return c == ' ' || c == '\t'; });
+}
+
+// Makes room for `count` bars, their memory mapped at once.
+void Reserve(std::vector<QXBar>& bars, size_t count) {
+  bars.reserve(count);
+  QXBar* const unused = bars.data() + bars.size();
+  PrepareForWriting(unused, (bars.capacity() - bars.size()) * sizeof(QXBar));
 }
 
 // Room for the bars of the bytes not read yet, from the average line length so far, with 2% to
@@ -52,7 +60,7 @@ void LoadBarFile(const std::filesystem::path& file, const ColumnMap& map, QXData
       ResolveLayout(map, firstLine, barLine, static_cast<int>(barLineNumber), name);
 
   std::vector<QXBar> bars;
-  bars.reserve(BarsToReserve(stream, 1));
+  Reserve(bars, BarsToReserve(stream, 1));
   BarRows rows(layout, name);
   bars.push_back(rows.Read(barLine, barLineNumber));
   // An empty line is fine at the end of the file; before another bar it is an error, since it
@@ -68,7 +76,7 @@ void LoadBarFile(const std::filesystem::path& file, const ColumnMap& map, QXData
                        ": an empty line between bars (the next bar is on line " +
                        std::to_string(stream.LineNumber()) + ")");
     }
-    if (bars.size() == bars.capacity()) bars.reserve(BarsToReserve(stream, bars.size()));
+    if (bars.size() == bars.capacity()) Reserve(bars, BarsToReserve(stream, bars.size()));
     bars.push_back(rows.Read(line, stream.LineNumber()));
   }
   const auto [barType, interval] = rows.Period();
