@@ -50,9 +50,10 @@ void LoadBarFile(const std::filesystem::path& file, const ColumnMap& map, QXData
   std::string barLine = firstLine;
   int64_t barLineNumber = 1;
   if (header) {
-    if (!stream.Next(&line) || IsBlankLine(line)) {
-      throw InputError(name + ":1: a header but no bars after it");
-    }
+    any = stream.Next(&line);
+    while (any && IsBlankLine(line)) any = stream.Next(&line);
+    if (!any) throw InputError(name + ":1: a header but no bars after it");
+    if (stream.LineNumber() > 2) throw InputError(name + ":2: an empty line after the header");
     barLine = std::string(line);
     barLineNumber = 2;
   }

@@ -109,6 +109,14 @@ TEST_F(BarFileTest, ReadsTheLayoutsPeopleHave) {
        kShanghai0901,
        5699,
        0},
+      {"a Time column holding date and time",
+       "Time,Open,High,Low,Close\n"
+       "2006-01-02 09:01:00,3602,3603,3597,3599\n"
+       "2006-01-02 09:02:00,3599,3600,3598,3599\n",
+       {},
+       kShanghai0901,
+       0,
+       0},
       {"ISO date-time with T, names in other case",
        "timestamp,OPEN,high,Low,close,vol,open_interest\n"
        "2006-01-02T09:01:00,3602,3603,3597,3599,5699,12\n"
@@ -499,6 +507,10 @@ TEST_F(BarFileTest, BadFilesAndLayoutsSayWhatIsWrong) {
       {"empty file", "", ": the bar file is empty"},
       {"only empty lines", "\r\n\n  \n", ": the bar file is empty"},
       {"header only", "Date,Time,Open,High,Low,Close\r\n", ":1: a header but no bars after it"},
+      {"header and empty lines", "Date,Time,Open,High,Low,Close\n\n\n",
+       ":1: a header but no bars after it"},
+      {"empty line after the header", "Date,Open,High,Low,Close\n\n2006-01-02,1,1,1,1\n",
+       ":2: an empty line after the header"},
       {"empty line first", "\n2006-01-02,1,1,1,1\n",
        ":1: an empty line before the first line of data"},
       {"header without Close", "Date,Open,High,Low,Volume\n2006-01-02,1,1,1,1\n",
