@@ -253,10 +253,13 @@ class LayoutResolver {
       if (start != std::string_view::npos) timeValue = dateValue.substr(start);
     } else if (Column(BarField::kTime) >= 0) {
       timeValue = ValueAt(Column(BarField::kTime));
-    } else if (map_.TimeFormat.empty()) {
+    } else {
       // A "Date" column that holds the time as well.
       const size_t start = TimePartStart(dateValue, *layout_.DateFormat);
-      if (start == std::string_view::npos) return;
+      if (start == std::string_view::npos) {
+        if (map_.TimeFormat.empty()) return;
+        throw InputError(fileName_ + ": column map: a time format but no time in the file");
+      }
       std::swap(Column(BarField::kDate), Column(BarField::kDateTime));
       timeValue = dateValue.substr(start);
     }

@@ -586,6 +586,10 @@ TEST_F(BarFileTest, ContradictoryColumnMapsAreRefused) {
   both.Volume = 4;
   EXPECT_EQ(ErrorOf("Date,Open,High,Low,Close\n2006-01-02,1,1,1,1\n", both),
             ": column map: Close and Volume are both column 4");
+  ColumnMap timeWithoutTime;
+  timeWithoutTime.TimeFormat = "%H:%M";
+  EXPECT_EQ(ErrorOf("Date,Open,High,Low,Close\n2006-01-02,1,1,1,1\n", timeWithoutTime),
+            ": column map: a time format but no time in the file");
   ColumnMap badFormat;
   badFormat.DateFormat = "%Y-%q";
   EXPECT_EQ(ErrorOf("Date,Open,High,Low,Close\n2006-01-02,1,1,1,1\n", badFormat),
