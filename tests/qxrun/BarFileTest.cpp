@@ -432,6 +432,20 @@ TEST_F(BarFileTest, FilesLargerThanABlockLoadEveryRowAndReserveClosely) {
   EXPECT_LE(source.Bars.capacity(), static_cast<size_t>(kBars) * 105 / 100);
 }
 
+TEST_F(BarFileTest, LineNumbersHoldAcrossBlocks) {
+  // 30000 rows of about 42 bytes fill more than one 1 MiB block; the bad row is line 30002
+  // (the header is line 1, the good rows lines 2 to 30001).
+  std::string text = "Date,Time,Open,High,Low,Close\r\n";
+  char row[64];
+  for (int i = 0; i < 30000; ++i) {
+    std::snprintf(row, sizeof row, "2006-01-%02d,%02d:%02d:00,3602,3603,3597,3599\r\n",
+                  2 + i / 1440, i % 1440 / 60, i % 60);
+    text += row;
+  }
+  text += "2006-01-30,00:00:00,3602,3603,3597,35x9\r\n";
+  EXPECT_EQ(ErrorOf(text), ":30002: field Close: not a number (value '35x9')");
+}
+
 TEST_F(BarFileTest, ALineLongerThanABlockIsRead) {
   const std::string note(3 << 20, 'x');
   const QXDataSource source = Load(
