@@ -135,46 +135,5 @@ TEST(DateParsingTest, FormatsThatCannotWorkAreRefused) {
   }
 }
 
-TEST(DateParsingTest, DetectsTheUsualLayouts) {
-  const std::pair<const char*, const char*> dates[] = {
-      {"2006-01-02", "%Y-%m-%d"},
-      {"2006/1/2", "%Y/%m/%d"},
-      {"2006.01.02", "%Y.%m.%d"},
-      {"20060102", "%Y%m%d"},
-      {"20060102 0901", "%Y%m%d"},
-      {"2006-01-02T09:01", "%Y-%m-%d"},
-      {"01/02/2006", "%m/%d/%Y"},
-      {"2.1.2006", "%d.%m.%Y"},
-      {"Jan 2 2006", ""},
-      {"200601", ""},
-      {"1-2-2006", ""},
-      {"", ""},
-  };
-  for (const auto& [field, format] : dates) EXPECT_EQ(DetectDateFormat(field), format) << field;
-
-  struct TimeCase {
-    const char* field;
-    bool digitsOnly;
-    const char* format;
-  };
-  const TimeCase times[] = {
-      {"09:01:00", false, "%H:%M:%S"},
-      {"09:01:00.5", false, "%H:%M:%S"},
-      {"9:01", false, "%H:%M"},
-      {"090100", true, "%H%M%S"},
-      {"90100", true, "%H%M%S"},
-      {"0930", true, "%H%M"},
-      {"930", true, "%H%M"},
-      {"0930", false, ""},
-      {"12", true, ""},
-      {"1234567", true, ""},
-      {"9h01", true, ""},
-      {"3602.5", false, ""},
-  };
-  for (const TimeCase& row : times) {
-    EXPECT_EQ(DetectTimeFormat(row.field, row.digitsOnly), row.format) << row.field;
-  }
-}
-
 }  // namespace
 }  // namespace qxrun
