@@ -184,6 +184,27 @@ TEST_F(BarFileTest, ReadsTheLayoutsPeopleHave) {
        kShanghai0901,
        0,
        0},
+      {"Chinese names in UTF-8",  // date, time, open price, high, low, close, volume, open int.
+       "\xe6\x97\xa5\xe6\x9c\x9f,\xe6\x97\xb6\xe9\x97\xb4,"
+       "\xe5\xbc\x80\xe7\x9b\x98\xe4\xbb\xb7,\xe6\x9c\x80\xe9\xab\x98,"
+       "\xe6\x9c\x80\xe4\xbd\x8e,\xe6\x94\xb6\xe7\x9b\x98,"
+       "\xe6\x88\x90\xe4\xba\xa4\xe9\x87\x8f,\xe6\x8c\x81\xe4\xbb\x93\xe9\x87\x8f\n"
+       "2006-01-02,09:01:00,3602,3603,3597,3599,5699,12\n"
+       "2006-01-02,09:02:00,3599,3600,3598,3599,894,13\n",
+       {},
+       kShanghai0901,
+       5699,
+       12},
+      {"Chinese names in GBK, open interest before volume",
+       "\xc8\xd5\xc6\xda,\xca\xb1\xbc\xe4,\xbf\xaa\xc5\xcc,\xd7\xee\xb8\xdf\xbc\xdb,"
+       "\xd7\xee\xb5\xcd,\xca\xd5\xc5\xcc\xbc\xdb,\xb3\xd6\xb2\xd6\xc1\xbf,"
+       "\xb3\xc9\xbd\xbb\xc1\xbf\n"
+       "2006-01-02,09:01:00,3602,3603,3597,3599,12,5699\n"
+       "2006-01-02,09:02:00,3599,3600,3598,3599,13,894\n",
+       {},
+       kShanghai0901,
+       5699,
+       12},
       {"declared delimiter and no header",
        "2006-01-02;09:01:00;3602;3603;3597;3599;5699\n"
        "2006-01-02;09:02:00;3599;3600;3598;3599;894\n",
