@@ -43,11 +43,11 @@ ColumnMap ColumnMapFromJson(const nlohmann::json& value, const std::string& path
 //   names are compared without case, blanks or punctuation: "Date"/"Day"/"TradeDate"/
 //   "TradingDay", "Time", "DateTime"/"Timestamp", "Open"/"O", "High"/"H", "Low"/"L",
 //   "Close"/"C"/"Last", "Volume"/"Vol"/"V", "OpenInterest"/"OpenInt"/"OI"/"Position", and their
-//   usual Chinese names in UTF-8 or GBK. Other
-//   columns ("Adj Close", "Amount") are not read. A date column whose values carry a time
-//   ("2006-01-02 09:01") is read as date and time. When the rows hold one field more than the
-//   header and the field after the date is a time ("09:01:00"), the header left the time out and
-//   the columns after the date move one place right.
+//   usual Chinese names in UTF-8 or GBK. Other columns ("Adj Close", "Amount") are not read. A
+//   date column whose values carry a time ("2006-01-02 09:01") is read as date and time. When
+//   the rows hold one field more than the header and the field after the date is a time
+//   ("09:01:00"), the header left the time out and the columns after the date move one place
+//   right.
 // - Without a header: Date[,Time],Open,High,Low,Close[,Volume[,OpenInterest]], the time taken
 //   when the second field holds a time with a colon.
 // - Formats: dates "%Y-%m-%d" (or '/' or '.'), "%Y%m%d", "%m/%d/%Y", "%d.%m.%Y"; a date and
