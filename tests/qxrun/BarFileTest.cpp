@@ -424,6 +424,23 @@ TEST_F(BarFileTest, NewYorkDailyBarsStandAtEachLocalMidnight) {
   EXPECT_EQ(source.BarInterval, 1u);
 }
 
+TEST_F(BarFileTest, SaoPauloDayThatStartsAtOneStaysOnItsDate) {
+  // In 2018 Sao Paulo's clocks went from 00:00 (UTC-3) to 01:00 (UTC-2) on 4 November, whose
+  // 00:00 UTC is 17839 days after 1970-01-01 (48 * 365 + 12 leap days, then 304 + 3): 1541289600.
+  // The day's bar stands at its first instant, 01:00 local, 03:00 UTC.
+  ScopedTimeZone zone("America/Sao_Paulo");
+  constexpr int64_t kUtcMidnight = 1541289600;
+  const QXDataSource source = Load(
+      "Date,Open,High,Low,Close\n"
+      "2018-11-03,1,1,1,1\n"
+      "2018-11-04,1,1,1,1\n"
+      "2018-11-05,1,1,1,1\n");
+  ASSERT_EQ(source.Bars.size(), 3u);
+  EXPECT_EQ(source.Bars[0].Time, Millis(kUtcMidnight - 86400 + 3 * 3600));
+  EXPECT_EQ(source.Bars[1].Time, Millis(kUtcMidnight + 3 * 3600));
+  EXPECT_EQ(source.Bars[2].Time, Millis(kUtcMidnight + 86400 + 2 * 3600));
+}
+
 // ------------------------------------------------------------------------------------------------
 // Streaming
 
