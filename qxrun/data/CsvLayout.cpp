@@ -364,7 +364,7 @@ int SplitFields(std::string_view line, char delimiter, std::string_view* fields,
       end = at;
       while (end > begin && IsBlank(line[end - 1])) --end;
     }
-    fields[count++] = line.substr(begin, end - begin);
+    fields[count++] = std::string_view(line.data() + begin, end - begin);
     if (at >= size) break;
     ++at;  // the delimiter
     if (delimiter == ' ') {
