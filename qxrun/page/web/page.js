@@ -105,7 +105,7 @@
     markersByTime.set(m[0], list);
     return {
       time: m[0], position: style.position, shape: style.shape, color: style.color,
-      text: showTexts ? m[3] : '',
+      text: showTexts ? m[3] : '', size: showTexts ? 1 : 0.6,
     };
   }));
 
