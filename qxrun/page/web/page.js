@@ -9,6 +9,7 @@
   const legend = document.getElementById('legend');
   const charts = window.LightweightCharts;
 
+  if (data.markers.length === 0) document.getElementById('marker-key').hidden = true;
   if (data.candles.length === 0) {
     container.classList.add('empty');
     container.textContent = 'No bars to draw.';
