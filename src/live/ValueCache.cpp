@@ -32,7 +32,9 @@ size_t DataSourceSlot(int32_t dataIndex, int32_t offset, int32_t number, int32_t
   if (dataIndex < 0 || dataIndex >= kSlotDataSources || number < 0 || number >= count) {
     return kNoSlot;
   }
-  return static_cast<size_t>(kAccountSlots + dataIndex * kSlotsPerDataSource + offset + number);
+  // Every term is small and not negative here.
+  const auto index = static_cast<size_t>(dataIndex);
+  return kAccountSlots + index * kSlotsPerDataSource + static_cast<size_t>(offset + number);
 }
 
 }  // namespace
