@@ -20,35 +20,6 @@ void ValueCache::InsertInteger(std::string_view key, int32_t value) {
   entries_.emplace(std::string(key), std::move(entry));
 }
 
-namespace {
-
-constexpr int32_t kAccountSlots = 8;
-constexpr int32_t kQuoteSlots = 30;
-constexpr int32_t kPositionSlots = 11;
-constexpr int32_t kSlotsPerDataSource = kQuoteSlots + kPositionSlots;
-constexpr int32_t kSlotDataSources = 64;
-
-size_t DataSourceSlot(int32_t dataIndex, int32_t offset, int32_t number, int32_t count) {
-  if (dataIndex < 0 || dataIndex >= kSlotDataSources || number < 0 || number >= count) {
-    return kNoSlot;
-  }
-  return static_cast<size_t>(kAccountSlots + dataIndex * kSlotsPerDataSource + offset + number);
-}
-
-}  // namespace
-
-size_t AccountSlot(int32_t number) {
-  return number >= 0 && number < kAccountSlots ? static_cast<size_t>(number) : kNoSlot;
-}
-
-size_t QuoteSlot(int32_t dataIndex, int32_t field) {
-  return DataSourceSlot(dataIndex, 0, field, kQuoteSlots);
-}
-
-size_t PositionSlot(int32_t dataIndex, int32_t number) {
-  return DataSourceSlot(dataIndex, kQuoteSlots, number, kPositionSlots);
-}
-
 void ValueCache::RememberSlot(size_t slot, const CachedValue* entry) {
   if (slot == kNoSlot || entry == nullptr) return;
   if (slot >= slots_.size()) slots_.resize(slot + 1, nullptr);

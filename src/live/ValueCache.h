@@ -55,9 +55,30 @@ class ValueCache {
 // Slot numbers: the account summary figures first, then per data source its 30 quote fields and
 // 11 position figures. Data sources beyond the first 64 have none.
 inline constexpr size_t kNoSlot = static_cast<size_t>(-1);
-size_t AccountSlot(int32_t number);
-size_t QuoteSlot(int32_t dataIndex, int32_t field);
-size_t PositionSlot(int32_t dataIndex, int32_t number);
+inline constexpr int32_t kAccountSlots = 8;
+inline constexpr int32_t kQuoteSlots = 30;
+inline constexpr int32_t kPositionSlots = 11;
+inline constexpr int32_t kSlotDataSources = 64;
+
+inline constexpr size_t DataSourceSlot(int32_t dataIndex, int32_t offset, int32_t number,
+                                       int32_t count) {
+  if (dataIndex < 0 || dataIndex >= kSlotDataSources || number < 0 || number >= count) {
+    return kNoSlot;
+  }
+  // Every term is small and not negative here.
+  const auto index = static_cast<size_t>(dataIndex);
+  return kAccountSlots + index * (kQuoteSlots + kPositionSlots) +
+         static_cast<size_t>(offset + number);
+}
+inline constexpr size_t AccountSlot(int32_t number) {
+  return number >= 0 && number < kAccountSlots ? static_cast<size_t>(number) : kNoSlot;
+}
+inline constexpr size_t QuoteSlot(int32_t dataIndex, int32_t field) {
+  return DataSourceSlot(dataIndex, 0, field, kQuoteSlots);
+}
+inline constexpr size_t PositionSlot(int32_t dataIndex, int32_t number) {
+  return DataSourceSlot(dataIndex, kQuoteSlots, number, kPositionSlots);
+}
 
 // A key text built in place: "Data%d.%s" and "Data%d.Q_BSType[%d,%d]" without touching the heap.
 // Text that would not fit is cut off.
