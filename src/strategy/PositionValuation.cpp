@@ -2,21 +2,7 @@
 
 #include "strategy/LedgerStatistics.h"
 
-#include <algorithm>
-
 namespace sysfuncs {
-
-PositionValue& PositionValue::operator+=(const PositionValue& other) {
-  LongMargin += other.LongMargin;
-  ShortMargin += other.ShortMargin;
-  LongLots += other.LongLots;
-  ShortLots += other.ShortLots;
-  OpenProfit += other.OpenProfit;
-  OpenReturn += other.OpenReturn;
-  BestProfit += other.BestProfit;
-  WorstProfit += other.WorstProfit;
-  return *this;
-}
 
 PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& bar,
                             int32_t barIndex, bool singlePriceBars, const ContractTerms& terms,
@@ -39,11 +25,6 @@ PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& b
     value.WorstProfit += isLong ? atLow : atHigh;
   }
   return value;
-}
-
-void UpdateOpenExtremes(LedgerStatistics& stats, const PositionValue& value) {
-  stats.BestOpenProfit = std::max(stats.BestOpenProfit, value.BestProfit);
-  stats.WorstOpenProfit = std::min(stats.WorstOpenProfit, value.WorstProfit);
 }
 
 }  // namespace sysfuncs

@@ -6,6 +6,7 @@
 
 #include "strategy/MoneyRules.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -23,7 +24,17 @@ struct PositionValue {
   double BestProfit = 0.0;  // at the High for long entries, at the Low for short ones
   double WorstProfit = 0.0;
 
-  PositionValue& operator+=(const PositionValue& other);
+  PositionValue& operator+=(const PositionValue& other) {
+    LongMargin += other.LongMargin;
+    ShortMargin += other.ShortMargin;
+    LongLots += other.LongLots;
+    ShortLots += other.ShortLots;
+    OpenProfit += other.OpenProfit;
+    OpenReturn += other.OpenReturn;
+    BestProfit += other.BestProfit;
+    WorstProfit += other.WorstProfit;
+    return *this;
+  }
 };
 
 // Values `entries` on bar `barIndex` (`bar`). An entry made on that bar, and every entry of a
@@ -34,7 +45,10 @@ PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& b
 
 // Moves the series' running open-profit extremes out to the position's best and worst case; a
 // flat series moves them towards 0.
-void UpdateOpenExtremes(LedgerStatistics& stats, const PositionValue& value);
+inline void UpdateOpenExtremes(LedgerStatistics& stats, const PositionValue& value) {
+  stats.BestOpenProfit = std::max(stats.BestOpenProfit, value.BestProfit);
+  stats.WorstOpenProfit = std::min(stats.WorstOpenProfit, value.WorstProfit);
+}
 
 }  // namespace sysfuncs
 
