@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <optional>
 
 namespace sysfuncs {
 namespace {
@@ -51,10 +52,7 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
 }
 
 void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar) {
-  const bool anyOrder = std::any_of(ledgers.begin(), ledgers.end(), [bar](const auto& ledger) {
-    return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
-  });
+                     const std::vector<StrategyLedger>& ledgers, int32_t bar, bool anyOrder) {
   if (!anyOrder) {
     // The bar may have had orders when it was evaluated before.
     if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
@@ -87,17 +85,18 @@ void SFImpl::BarCheckout() {
     data.ResetPending = 0;
     ResetStrategy();
   }
-  RepositionRollovers();
+  // Rollovers and check points are rare: a series without them costs one test each.
+  if (!m_spSymbolCache->Rollovers.empty()) RepositionRollovers();
   RecordBar();
   if (bar == barCount - 2) sysfuncs::SaveLastBarStart(*m_spStrategyAccount, data.Ledgers);
-  FollowCheckPoint();
+  if (!m_spStrategyAccount->CheckPoints.empty()) FollowCheckPoint();
 }
 
 void SFImpl::RepositionRollovers() {
   const std::vector<std::vector<RolloverPoint>>& lists = m_spSymbolCache->Rollovers;
   const int32_t count = std::min(static_cast<int32_t>(lists.size()), m_pData->DataCount);
-  if (count <= 0) return;
-  const sysfuncs::CurrentDataScope scope(m_pData);
+  // The addressing is saved once a position moves, and put back at the end.
+  std::optional<sysfuncs::CurrentDataScope> scope;
   for (int32_t index = 0; index < count; ++index) {
     const StrategyLedger& ledger = m_pData->Ledgers[index];
     if (lists[index].empty() || ledger.OpenEntries.empty()) continue;
@@ -105,6 +104,7 @@ void SFImpl::RepositionRollovers() {
     const int32_t barIndex = SeriesBarIndex(index);
     if (!sysfuncs::HasRolloverOnBar(lists[index], barIndex)) continue;
     const QXBar& bar = DataSource(index).Bars[barIndex];
+    if (!scope) scope.emplace(m_pData);
     m_pData->CurrentData = index;
     const double lots = std::fabs(sysfuncs::CurrentContracts(ledger));
     const int32_t position = sysfuncs::MarketPosition(ledger);
@@ -125,9 +125,11 @@ void SFImpl::RecordBar() {
   const int32_t bar = data.CurrentBar;
   sysfuncs::PositionValue total;
   double barCost = 0.0;
+  bool anyOrder = false;
   for (int32_t index = 0; index < data.DataCount; ++index) {
     StrategyLedger& ledger = data.Ledgers[index];
-    if (!ledger.Orders.empty() && ledger.Orders.back().Bar == bar) {
+    if (sysfuncs::HasOrdersOnBar(ledger, bar)) {
+      anyOrder = true;
       barCost += sysfuncs::CostOfBarOrders(ledger.Orders, bar);
     }
     sysfuncs::PositionValue value;
@@ -152,14 +154,23 @@ void SFImpl::RecordBar() {
   point.OpenReturn = total.OpenReturn;
   point.BarCost = barCost;
   point.Capital = account.Capital;
-  const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
 
   const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
-  const bool reportRun = data.OutputMode == 1 || data.OutputMode == 2;
-  sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode,
-                           reportRun ? &account.Detail : nullptr);
-  if (reportRun) sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
-  sysfuncs::RecordBarOrders(account.BarOrders, data.Ledgers, bar);
+  if (data.OutputMode == 1 || data.OutputMode == 2) {
+    // A report run follows the detail figures too, which read the point replaced.
+    const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
+    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, &account.Detail);
+    sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
+  } else {
+    sysfuncs::PutEquityPoint(account, point);
+    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, nullptr);
+  }
+  // Ledgers past DataCount keep no orders of the bar unless a host addressed them.
+  for (size_t index = static_cast<size_t>(std::max(data.DataCount, 0));
+       !anyOrder && index < data.Ledgers.size(); ++index) {
+    anyOrder = sysfuncs::HasOrdersOnBar(data.Ledgers[index], bar);
+  }
+  sysfuncs::RecordBarOrders(account.BarOrders, data.Ledgers, bar, anyOrder);
 }
 
 void SFImpl::FollowCheckPoint() {

@@ -21,10 +21,16 @@ const CheckPointRecord* FollowThroughDecision(const std::map<int64_t, CheckPoint
 // Sum of the costs of a series' orders executed on `bar` (the orders at the end of the list).
 double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar);
 
+// Whether a series executed orders on `bar`: its order list ends with one of that bar.
+inline bool HasOrdersOnBar(const StrategyLedger& ledger, int32_t bar) {
+  return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
+}
+
 // Keeps `barOrders[bar]` equal to the orders every series executed on `bar`, in series order;
-// a bar without orders has no entry. Costs nothing on a bar without orders.
+// a bar without orders has no entry. `anyOrder` tells whether any ledger HasOrdersOnBar; without
+// one, only the entry of an earlier evaluation of the bar is looked for.
 void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar);
+                     const std::vector<StrategyLedger>& ledgers, int32_t bar, bool anyOrder);
 
 }  // namespace sysfuncs
 
