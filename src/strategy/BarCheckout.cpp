@@ -52,14 +52,7 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
 }
 
 void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar, bool anyOrder) {
-  if (!anyOrder) {
-    // The bar may have had orders when it was evaluated before.
-    if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
-      barOrders.erase(std::prev(barOrders.end()));
-    }
-    return;
-  }
+                     const std::vector<StrategyLedger>& ledgers, int32_t bar) {
   std::vector<OrderRecord>& orders = barOrders[bar];
   orders.clear();
   for (const StrategyLedger& ledger : ledgers) {
@@ -141,36 +134,51 @@ void SFImpl::RecordBar() {
     sysfuncs::UpdateOpenExtremes(ledger.Stats, value);
   }
 
-  EquityPoint point;
-  point.Bar = bar;
-  point.Time = data.DataCount > 0 ? SeriesBar(0).Time : 0;
-  point.LongMargin = total.LongMargin;
-  point.ShortMargin = total.ShortMargin;
-  point.LongLots = total.LongLots;
-  point.ShortLots = total.ShortLots;
-  point.Equity = account.Capital + total.OpenProfit;
-  point.Available = point.Equity - total.LongMargin - total.ShortMargin;
-  point.PercentEquity = total.OpenReturn + account.CumReturn;
-  point.OpenReturn = total.OpenReturn;
-  point.BarCost = barCost;
-  point.Capital = account.Capital;
-
-  const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
-  if (data.OutputMode == 1 || data.OutputMode == 2) {
-    // A report run follows the detail figures too, which read the point replaced.
+  const auto fill = [&](EquityPoint& point) {
+    point.Bar = bar;
+    point.Time = data.DataCount > 0 ? SeriesBar(0).Time : 0;
+    point.LongMargin = total.LongMargin;
+    point.ShortMargin = total.ShortMargin;
+    point.LongLots = total.LongLots;
+    point.ShortLots = total.ShortLots;
+    point.Equity = account.Capital + total.OpenProfit;
+    point.Available = point.Equity - total.LongMargin - total.ShortMargin;
+    point.PercentEquity = total.OpenReturn + account.CumReturn;
+    point.OpenReturn = total.OpenReturn;
+    point.BarCost = barCost;
+    point.Capital = account.Capital;
+  };
+  std::vector<EquityPoint>& curve = account.EquityCurve;
+  if (data.OutputMode == 1 || data.OutputMode == 2 || (!curve.empty() && curve.back().Bar == bar)) {
+    // A report run follows the detail figures too, and a bar checked out again replaces its
+    // point.
+    EquityPoint point;
+    fill(point);
     const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
-    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, &account.Detail);
-    sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
+    const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
+    const bool reportRun = data.OutputMode == 1 || data.OutputMode == 2;
+    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode,
+                             reportRun ? &account.Detail : nullptr);
+    if (reportRun) sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
   } else {
-    sysfuncs::PutEquityPoint(account, point);
+    // The common case: the point is written once, in place at the end of the curve.
+    EquityPoint& point = curve.emplace_back();
+    fill(point);
+    account.PercentEquitySum += point.PercentEquity;
+    const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
     sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, nullptr);
   }
+
   // Ledgers past DataCount keep no orders of the bar unless a host addressed them.
   for (size_t index = static_cast<size_t>(std::max(data.DataCount, 0));
        !anyOrder && index < data.Ledgers.size(); ++index) {
     anyOrder = sysfuncs::HasOrdersOnBar(data.Ledgers[index], bar);
   }
-  sysfuncs::RecordBarOrders(account.BarOrders, data.Ledgers, bar, anyOrder);
+  if (anyOrder) {
+    sysfuncs::RecordBarOrders(account.BarOrders, data.Ledgers, bar);
+  } else {
+    sysfuncs::ForgetBarOrders(account.BarOrders, bar);
+  }
 }
 
 void SFImpl::FollowCheckPoint() {

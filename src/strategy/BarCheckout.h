@@ -5,6 +5,7 @@
 #include "sysfuncs/HostData.h"
 
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <vector>
 
@@ -26,11 +27,18 @@ inline bool HasOrdersOnBar(const StrategyLedger& ledger, int32_t bar) {
   return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
 }
 
-// Keeps `barOrders[bar]` equal to the orders every series executed on `bar`, in series order;
-// a bar without orders has no entry. `anyOrder` tells whether any ledger HasOrdersOnBar; without
-// one, only the entry of an earlier evaluation of the bar is looked for.
+// Sets `barOrders[bar]` to the orders every series executed on `bar`, in series order.
+// REQUIRES: some ledger HasOrdersOnBar.
 void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar, bool anyOrder);
+                     const std::vector<StrategyLedger>& ledgers, int32_t bar);
+
+// Removes the entry of `bar`, a bar without orders that may have had some when it was evaluated
+// before; a bar without an entry costs one test.
+inline void ForgetBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders, int32_t bar) {
+  if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
+    barOrders.erase(std::prev(barOrders.end()));
+  }
+}
 
 }  // namespace sysfuncs
 
