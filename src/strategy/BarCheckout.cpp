@@ -112,7 +112,8 @@ void SFImpl::RepositionRollovers() {
   }
 }
 
-void SFImpl::RecordBar() {
+// Flattened: the valuation and the curve updates are inlined into the one loop over the series.
+[[gnu::flatten]] void SFImpl::RecordBar() {
   CQXBaseData& data = *m_pData;
   StrategyAccount& account = *m_spStrategyAccount;
   const int32_t bar = data.CurrentBar;
