@@ -117,6 +117,8 @@ void SFImpl::RepositionRollovers() {
   CQXBaseData& data = *m_pData;
   StrategyAccount& account = *m_spStrategyAccount;
   const int32_t bar = data.CurrentBar;
+  // The main series' bar stamps the point; it is looked up once.
+  const QXBar* mainBar = data.DataCount > 0 ? &SeriesBar(0) : nullptr;
   sysfuncs::PositionValue total;
   double barCost = 0.0;
   bool anyOrder = false;
@@ -128,45 +130,38 @@ void SFImpl::RepositionRollovers() {
     }
     sysfuncs::PositionValue value;
     if (!ledger.OpenEntries.empty()) {
-      value = sysfuncs::ValuePosition(ledger.OpenEntries, SeriesBar(index), bar, SinglePriceBars(),
-                                      TermsOf(index), data.CostSettings[index]);
+      value =
+          sysfuncs::ValuePosition(ledger.OpenEntries, index == 0 ? *mainBar : SeriesBar(index), bar,
+                                  SinglePriceBars(), TermsOf(index), data.CostSettings[index]);
       total += value;
     }
     sysfuncs::UpdateOpenExtremes(ledger.Stats, value);
   }
 
-  const auto fill = [&](EquityPoint& point) {
-    point.Bar = bar;
-    point.Time = data.DataCount > 0 ? SeriesBar(0).Time : 0;
-    point.LongMargin = total.LongMargin;
-    point.ShortMargin = total.ShortMargin;
-    point.LongLots = total.LongLots;
-    point.ShortLots = total.ShortLots;
-    point.Equity = account.Capital + total.OpenProfit;
-    point.Available = point.Equity - total.LongMargin - total.ShortMargin;
-    point.PercentEquity = total.OpenReturn + account.CumReturn;
-    point.OpenReturn = total.OpenReturn;
-    point.BarCost = barCost;
-    point.Capital = account.Capital;
-  };
-  std::vector<EquityPoint>& curve = account.EquityCurve;
-  if (data.OutputMode == 1 || data.OutputMode == 2 || (!curve.empty() && curve.back().Bar == bar)) {
-    // A report run follows the detail figures too, and a bar checked out again replaces its
-    // point.
-    EquityPoint point;
-    fill(point);
+  // Every field is written once: no zeroing first.
+  const double equity = account.Capital + total.OpenProfit;
+  const double percentEquity = total.OpenReturn + account.CumReturn;
+  const EquityPoint point{.Bar = bar,
+                          .Time = mainBar != nullptr ? mainBar->Time : 0,
+                          .LongMargin = total.LongMargin,
+                          .ShortMargin = total.ShortMargin,
+                          .LongLots = total.LongLots,
+                          .ShortLots = total.ShortLots,
+                          .Available = equity - total.LongMargin - total.ShortMargin,
+                          .Equity = equity,
+                          .PercentEquity = percentEquity,
+                          .OpenReturn = total.OpenReturn,
+                          .BarCost = barCost,
+                          .Capital = account.Capital};
+  const double basis = data.PercentMode ? percentEquity : equity;
+  if (data.OutputMode == 1 || data.OutputMode == 2) {
+    // A report run follows the detail figures too, which read the point a bar checked out again
+    // replaces.
     const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
-    const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
-    const bool reportRun = data.OutputMode == 1 || data.OutputMode == 2;
-    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode,
-                             reportRun ? &account.Detail : nullptr);
-    if (reportRun) sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
+    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, &account.Detail);
+    sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
   } else {
-    // The common case: the point is written once, in place at the end of the curve.
-    EquityPoint& point = curve.emplace_back();
-    fill(point);
-    account.PercentEquitySum += point.PercentEquity;
-    const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
+    sysfuncs::PutEquityPoint(account, point);
     sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, nullptr);
   }
 
