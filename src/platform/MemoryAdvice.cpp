@@ -1,0 +1,33 @@
+#include "platform/MemoryAdvice.h"
+
+#include <cstdint>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace sysfuncs {
+namespace {
+
+// Below one large page (2 MiB on x86-64) there is nothing to gain; the advice pays from a few.
+constexpr size_t kLeastAdvisedBytes = size_t{8} << 20;
+
+}  // namespace
+
+void AdviseLargePages(void* data, size_t bytes) {
+#ifdef MADV_HUGEPAGE
+  if (data == nullptr || bytes < kLeastAdvisedBytes) return;
+  const long pageSize = sysconf(_SC_PAGESIZE);
+  if (pageSize <= 0) return;
+  // The advice covers whole pages inside the block.
+  const auto page = static_cast<uintptr_t>(pageSize);
+  const auto begin = (reinterpret_cast<uintptr_t>(data) + page - 1) & ~(page - 1);
+  const auto end = (reinterpret_cast<uintptr_t>(data) + bytes) & ~(page - 1);
+  if (end <= begin) return;
+  // Advice only: a system that declines it keeps small pages.
+  madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#else
+  (void)data;
+  (void)bytes;
+#endif
+}
+
+}  // namespace sysfuncs
