@@ -51,12 +51,24 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
   return cost;
 }
 
-void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar) {
-  std::vector<OrderRecord>& orders = barOrders[bar];
-  orders.clear();
+void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>& ledgers,
+                     int32_t bar) {
+  std::map<int32_t, std::vector<OrderRecord>>& barOrders = account.BarOrders;
+  std::map<int32_t, std::vector<OrderRecord>>& spare = account.SpareBarOrders;
+  std::vector<OrderRecord>* orders = nullptr;
+  if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
+    orders = &barOrders.rbegin()->second;  // the bar evaluated again
+  } else if (!spare.empty() && (barOrders.empty() || barOrders.rbegin()->first < bar)) {
+    // Bars are checked out in order: a spare entry goes to the end, its room reused.
+    auto entry = spare.extract(spare.begin());
+    entry.key() = bar;
+    orders = &barOrders.insert(barOrders.end(), std::move(entry))->second;
+  } else {
+    orders = &barOrders[bar];
+  }
+  orders->clear();
   for (const StrategyLedger& ledger : ledgers) {
-    orders.insert(orders.end(), FirstOrderOfBar(ledger.Orders, bar), ledger.Orders.end());
+    orders->insert(orders->end(), FirstOrderOfBar(ledger.Orders, bar), ledger.Orders.end());
   }
 }
 
@@ -171,7 +183,7 @@ void SFImpl::RepositionRollovers() {
     anyOrder = sysfuncs::HasOrdersOnBar(data.Ledgers[index], bar);
   }
   if (anyOrder) {
-    sysfuncs::RecordBarOrders(account.BarOrders, data.Ledgers, bar);
+    sysfuncs::RecordBarOrders(account, data.Ledgers, bar);
   } else {
     sysfuncs::ForgetBarOrders(account.BarOrders, bar);
   }

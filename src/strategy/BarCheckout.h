@@ -27,10 +27,10 @@ inline bool HasOrdersOnBar(const StrategyLedger& ledger, int32_t bar) {
   return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
 }
 
-// Sets `barOrders[bar]` to the orders every series executed on `bar`, in series order.
-// REQUIRES: some ledger HasOrdersOnBar.
-void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar);
+// Sets the account's BarOrders[bar] to the orders every series executed on `bar`, in series
+// order, in a spare entry when there is one. REQUIRES: some ledger HasOrdersOnBar.
+void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>& ledgers,
+                     int32_t bar);
 
 // Removes the entry of `bar`, a bar without orders that may have had some when it was evaluated
 // before; a bar without an entry costs one test.
