@@ -4,7 +4,7 @@
 #include "sysfuncs/sysfuncs.h"
 
 #include "AllocationCounter.h"
-#include "SyntheticBars.h"
+#include "StrategyHost.h"
 #include "strategy/EquityCurve.h"
 
 #include <benchmark/benchmark.h>
@@ -16,36 +16,13 @@ namespace {
 
 constexpr int kBars = 1 << 20;
 
-// A host over one series of kBars random-walk bars, margin rate 0.1, commission 2 per lot.
-struct Host {
-  Host() {
-    sources.resize(1);
-    sources[0].Symbol = "bench";
-    sources[0].BarType = 1;
-    sources[0].BarInterval = 1;
-    sources[0].Bars = MakeRandomWalkBars(kBars, 20240101);
-    data.DataSources = &sources;
-    data.DataCount = 1;
-    data.BarCount = kBars;
-    data.SourceInfos.resize(1);
-    data.CostSettings.resize(1);
-    data.CostSettings[0].MarginRate = 0.1;
-    data.CostSettings[0].CommissionRate = 2.0;
-    data.Ledgers.resize(1);
-    data.InitCapital = 1000000.0;
-    data.MaxOpenEntries = 1;
-    data.MaxPositionLots = 1;
-  }
-  std::vector<QXDataSource> sources;
-  CQXBaseData data;
-};
-
 // Checks out bar after bar, the formula body doing nothing but, with `entry`, a Buy of one lot on
 // bar 0. A run starts over before the last-but-one bar (which copies the state aside); the
 // starts are not timed and their allocations not counted. The finished drawdown episodes of an
 // open position are listed in a growing vector: its rare growth is all that allocates.
 void CheckOutBars(benchmark::State& state, bool entry) {
-  Host host;
+  const std::vector<std::vector<QXBar>> series = {MakeRandomWalkBars(kBars, 20240101)};
+  StrategyHost host(series, 1);
   std::optional<CSystemFuncs> funcs;
   int32_t bar = 0;
   long allocations = 0;

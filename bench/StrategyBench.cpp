@@ -14,7 +14,7 @@
 #include "sysfuncs/sysfuncs.h"
 
 #include "AllocationCounter.h"
-#include "SyntheticBars.h"
+#include "StrategyHost.h"
 
 #include <algorithm>
 #include <array>
@@ -32,9 +32,6 @@ namespace {
 
 constexpr int kFast = 10;
 constexpr int kSlow = 30;
-constexpr double kInitCapital = 1000000.0;
-constexpr double kMarginRate = 0.1;
-constexpr double kCommission = 2.0;  // money per lot, entries and exits alike
 
 // The running sum of the last kLength values, over a ring buffer.
 template <int kLength>
@@ -87,35 +84,6 @@ double CpuSeconds() {
   return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-// A host's data object over `count` series of the same length, each traded under the same
-// settings.
-struct Host {
-  Host(const std::vector<std::vector<QXBar>>& series, int count) {
-    sources.resize(static_cast<size_t>(count));
-    for (int index = 0; index < count; ++index) {
-      sources[index].Symbol = "bench" + std::to_string(index);
-      sources[index].BarType = 1;
-      sources[index].BarInterval = 1;
-      sources[index].Bars = series[index];
-    }
-    data.DataSources = &sources;
-    data.DataCount = count;
-    data.BarCount = static_cast<int32_t>(series[0].size());
-    data.SourceInfos.resize(count);
-    data.CostSettings.resize(count);
-    for (CostSetting& cost : data.CostSettings) {
-      cost.MarginRate = kMarginRate;
-      cost.CommissionRate = kCommission;
-    }
-    data.Ledgers.resize(count);
-    data.InitCapital = kInitCapital;
-    data.MaxOpenEntries = 1;
-    data.MaxPositionLots = 1;
-  }
-  std::vector<QXDataSource> sources;
-  CQXBaseData data;
-};
-
 // One run of the formula over every bar of every series. A run starts over at bar 0 on the same
 // data object, as a host re-running a formula does.
 template <int kSeries>
@@ -167,9 +135,9 @@ __attribute__((noinline)) Outcome RunPlainLoop(const std::vector<std::vector<QXB
   curve.clear();
   curve.reserve(static_cast<size_t>(bars));
   std::array<Position, kSeries> positions;
-  double capital = kInitCapital;
-  double peak = kInitCapital;
-  double trough = kInitCapital;
+  double capital = kBenchInitCapital;
+  double peak = kBenchInitCapital;
+  double trough = kBenchInitCapital;
   double maxDrawDown = 0.0;
   size_t trades = 0;
   for (int32_t bar = 0; bar < bars; ++bar) {
@@ -181,16 +149,16 @@ __attribute__((noinline)) Outcome RunPlainLoop(const std::vector<std::vector<QXB
       const int signal = position.crossover.Add(close);
       if (signal != 0 && position.side != signal) {
         if (position.side != 0) {
-          capital += (close - position.entryPrice) * position.side - 2.0 * kCommission;
-          point.BarCost += kCommission;
+          capital += (close - position.entryPrice) * position.side - 2.0 * kBenchCommission;
+          point.BarCost += kBenchCommission;
           ++trades;
         }
         position.side = signal;
         position.entryPrice = close;
-        point.BarCost += kCommission;
+        point.BarCost += kBenchCommission;
       }
       if (position.side == 0) continue;
-      const double margin = close * kMarginRate;
+      const double margin = close * kBenchMarginRate;
       if (position.side > 0) {
         point.LongMargin += margin;
         point.LongLots += 1.0;
@@ -247,7 +215,7 @@ struct Timings {
 };
 
 template <int kSeries>
-Timings Measure(const char* what, Host& host, const std::vector<std::vector<QXBar>>& series,
+Timings Measure(const char* what, StrategyHost& host, const std::vector<std::vector<QXBar>>& series,
                 int repetitions) {
   Timings timings;
   std::vector<EquityPoint> curve;
@@ -294,7 +262,7 @@ int main(int argc, char** argv) {
   const std::vector<std::vector<QXBar>> series = {MakeRandomWalkBars(bars, 20240101),
                                                   MakeRandomWalkBars(bars, 20240102)};
   if (only == 1 || only == 2) {
-    Host host(series, only);
+    StrategyHost host(series, only);
     const Timings timings = only == 1 ? Measure<1>("one series", host, series, repetitions)
                                       : Measure<2>("two series", host, series, repetitions);
     std::printf("%d series: library %.2f ns/bar, plain loop %.2f ns/bar (warm medians)\n", only,
@@ -302,9 +270,9 @@ int main(int argc, char** argv) {
                 NanosPerBar(Median(timings.plain), bars));
     return 0;
   }
-  Host one(series, 1);
+  StrategyHost one(series, 1);
   const Timings single = Measure<1>("one series", one, series, repetitions);
-  Host two(series, 2);
+  StrategyHost two(series, 2);
   const Timings pair = Measure<2>("two series", two, series, repetitions);
 
   const double library = Median(single.library);
