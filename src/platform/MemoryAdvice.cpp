@@ -19,11 +19,13 @@ void AdviseLargePages(void* data, size_t bytes) {
   if (pageSize <= 0) return;
   // The advice covers whole pages inside the block.
   const auto page = static_cast<uintptr_t>(pageSize);
-  const auto begin = (reinterpret_cast<uintptr_t>(data) + page - 1) & ~(page - 1);
-  const auto end = (reinterpret_cast<uintptr_t>(data) + bytes) & ~(page - 1);
-  if (end <= begin) return;
+  const auto address = reinterpret_cast<uintptr_t>(data);
+  const uintptr_t skipped = (page - address % page) % page;  // up to the first whole page
+  if (bytes <= skipped) return;
+  const size_t length = (bytes - skipped) / page * page;
+  if (length == 0) return;
   // Advice only: a system that declines it keeps small pages.
-  madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  madvise(static_cast<char*>(data) + skipped, length, MADV_HUGEPAGE);
 #else
   (void)data;
   (void)bytes;
