@@ -3,8 +3,6 @@
 
 #include "sysfuncs/SFImpl.h"
 
-#include "platform/MemoryAdvice.h"
-
 #include <algorithm>
 
 namespace sysfuncs {
@@ -47,8 +45,6 @@ void PrefillEquityCurve(std::vector<EquityPoint>& curve, const std::vector<QXBar
                         int32_t barCount, int32_t currentBar, double initCapital) {
   curve.clear();
   curve.reserve(static_cast<size_t>(std::max(barCount, currentBar + 1)));
-  // The curve is written once from end to end: large pages spare most of its page faults.
-  AdviseLargePages(curve.data(), curve.capacity() * sizeof(EquityPoint));
   for (int32_t bar = 0; bar < currentBar; ++bar) {
     EquityPoint& point = curve.emplace_back();
     point.Bar = bar;
