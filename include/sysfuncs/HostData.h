@@ -321,6 +321,9 @@ class StrategyAccount : public IceUtil::Shared {
   int32_t FinalPosition = 0;
   // Orders by the bar they executed on, recorded when that bar is checked out.
   std::map<int32_t, std::vector<OrderRecord>> BarOrders;
+  // Entries of earlier runs, kept with their room for reuse: a run started over records its bar
+  // orders without allocating. Their keys and contents mean nothing.
+  std::map<int32_t, std::vector<OrderRecord>> SpareBarOrders;
   ReportDetail Detail;
   PerformanceReport Report;
   AccountStatistics SavedStats;  // taken on the last-but-one bar

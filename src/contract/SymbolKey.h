@@ -19,7 +19,7 @@ inline tagSymbol MakeSymbolKey(const QXDataSource& source) {
 
 // The platform's adapter as it stands now; null before the module is started. Taken anew at
 // every use, since the platform may start the module after an instance was built.
-inline CDataAdapter* CurrentAdapter() { return GetSFEnv()->m_pDataAdapter; }
+inline CDataAdapter* CurrentAdapter() { return CurrentSFEnv().m_pDataAdapter; }
 
 }  // namespace sysfuncs
 

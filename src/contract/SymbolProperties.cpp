@@ -87,11 +87,9 @@ const SymbolPropertyItem* FindProperty(SFImpl& impl, int32_t id) {
 bool SFImpl::GetSymbolPropertyList(int32_t dataIndex, SymbolPropertyList& list) {
   const QXDataSource& source = DataSource(dataIndex);
   CDataAdapter* adapter = CurrentAdapter();  // none before the module starts: nothing is known
+  if (adapter == nullptr) return false;
   Quill::ICodeProperty property;
-  if (adapter == nullptr ||
-      !adapter->GetSymbolProperty(sysfuncs::MakeSymbolKey(source), property)) {
-    return false;
-  }
+  if (!adapter->GetSymbolProperty(sysfuncs::MakeSymbolKey(source), property)) return false;
   const std::vector<SourceInfo>& infos = m_pData->SourceInfos;
   const double marginRatio =
       static_cast<size_t>(dataIndex) < infos.size() ? infos[dataIndex].MarginRatio : 0.0;

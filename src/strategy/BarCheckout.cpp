@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <optional>
 
 namespace sysfuncs {
 namespace {
@@ -50,22 +51,24 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
   return cost;
 }
 
-void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar) {
-  const bool anyOrder = std::any_of(ledgers.begin(), ledgers.end(), [bar](const auto& ledger) {
-    return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
-  });
-  if (!anyOrder) {
-    // The bar may have had orders when it was evaluated before.
-    if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
-      barOrders.erase(std::prev(barOrders.end()));
-    }
-    return;
+void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>& ledgers,
+                     int32_t bar) {
+  std::map<int32_t, std::vector<OrderRecord>>& barOrders = account.BarOrders;
+  std::map<int32_t, std::vector<OrderRecord>>& spare = account.SpareBarOrders;
+  std::vector<OrderRecord>* orders = nullptr;
+  if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
+    orders = &barOrders.rbegin()->second;  // the bar evaluated again
+  } else if (!spare.empty() && (barOrders.empty() || barOrders.rbegin()->first < bar)) {
+    // Bars are checked out in order: a spare entry goes to the end, its room reused.
+    auto entry = spare.extract(spare.begin());
+    entry.key() = bar;
+    orders = &barOrders.insert(barOrders.end(), std::move(entry))->second;
+  } else {
+    orders = &barOrders[bar];
   }
-  std::vector<OrderRecord>& orders = barOrders[bar];
-  orders.clear();
+  orders->clear();
   for (const StrategyLedger& ledger : ledgers) {
-    orders.insert(orders.end(), FirstOrderOfBar(ledger.Orders, bar), ledger.Orders.end());
+    orders->insert(orders->end(), FirstOrderOfBar(ledger.Orders, bar), ledger.Orders.end());
   }
 }
 
@@ -87,17 +90,18 @@ void SFImpl::BarCheckout() {
     data.ResetPending = 0;
     ResetStrategy();
   }
-  RepositionRollovers();
+  // Rollovers and check points are rare: a series without them costs one test each.
+  if (!m_spSymbolCache->Rollovers.empty()) RepositionRollovers();
   RecordBar();
   if (bar == barCount - 2) sysfuncs::SaveLastBarStart(*m_spStrategyAccount, data.Ledgers);
-  FollowCheckPoint();
+  if (!m_spStrategyAccount->CheckPoints.empty()) FollowCheckPoint();
 }
 
 void SFImpl::RepositionRollovers() {
   const std::vector<std::vector<RolloverPoint>>& lists = m_spSymbolCache->Rollovers;
   const int32_t count = std::min(static_cast<int32_t>(lists.size()), m_pData->DataCount);
-  if (count <= 0) return;
-  const sysfuncs::CurrentDataScope scope(m_pData);
+  // The addressing is saved once a position moves, and put back at the end.
+  std::optional<sysfuncs::CurrentDataScope> scope;
   for (int32_t index = 0; index < count; ++index) {
     const StrategyLedger& ledger = m_pData->Ledgers[index];
     if (lists[index].empty() || ledger.OpenEntries.empty()) continue;
@@ -105,6 +109,7 @@ void SFImpl::RepositionRollovers() {
     const int32_t barIndex = SeriesBarIndex(index);
     if (!sysfuncs::HasRolloverOnBar(lists[index], barIndex)) continue;
     const QXBar& bar = DataSource(index).Bars[barIndex];
+    if (!scope) scope.emplace(m_pData);
     m_pData->CurrentData = index;
     const double lots = std::fabs(sysfuncs::CurrentContracts(ledger));
     const int32_t position = sysfuncs::MarketPosition(ledger);
@@ -119,47 +124,69 @@ void SFImpl::RepositionRollovers() {
   }
 }
 
-void SFImpl::RecordBar() {
+// Flattened: the valuation and the curve updates are inlined into the one loop over the series.
+[[gnu::flatten]] void SFImpl::RecordBar() {
   CQXBaseData& data = *m_pData;
   StrategyAccount& account = *m_spStrategyAccount;
   const int32_t bar = data.CurrentBar;
+  // The main series' bar stamps the point; it is looked up once.
+  const QXBar* mainBar = data.DataCount > 0 ? &SeriesBar(0) : nullptr;
   sysfuncs::PositionValue total;
   double barCost = 0.0;
+  bool anyOrder = false;
   for (int32_t index = 0; index < data.DataCount; ++index) {
     StrategyLedger& ledger = data.Ledgers[index];
-    if (!ledger.Orders.empty() && ledger.Orders.back().Bar == bar) {
+    if (sysfuncs::HasOrdersOnBar(ledger, bar)) {
+      anyOrder = true;
       barCost += sysfuncs::CostOfBarOrders(ledger.Orders, bar);
     }
     sysfuncs::PositionValue value;
     if (!ledger.OpenEntries.empty()) {
-      value = sysfuncs::ValuePosition(ledger.OpenEntries, SeriesBar(index), bar, SinglePriceBars(),
-                                      TermsOf(index), data.CostSettings[index]);
+      value =
+          sysfuncs::ValuePosition(ledger.OpenEntries, index == 0 ? *mainBar : SeriesBar(index), bar,
+                                  SinglePriceBars(), TermsOf(index), data.CostSettings[index]);
       total += value;
     }
     sysfuncs::UpdateOpenExtremes(ledger.Stats, value);
   }
 
-  EquityPoint point;
-  point.Bar = bar;
-  point.Time = data.DataCount > 0 ? SeriesBar(0).Time : 0;
-  point.LongMargin = total.LongMargin;
-  point.ShortMargin = total.ShortMargin;
-  point.LongLots = total.LongLots;
-  point.ShortLots = total.ShortLots;
-  point.Equity = account.Capital + total.OpenProfit;
-  point.Available = point.Equity - total.LongMargin - total.ShortMargin;
-  point.PercentEquity = total.OpenReturn + account.CumReturn;
-  point.OpenReturn = total.OpenReturn;
-  point.BarCost = barCost;
-  point.Capital = account.Capital;
-  const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
+  // Every field is written once: no zeroing first.
+  const double equity = account.Capital + total.OpenProfit;
+  const double percentEquity = total.OpenReturn + account.CumReturn;
+  const EquityPoint point{.Bar = bar,
+                          .Time = mainBar != nullptr ? mainBar->Time : 0,
+                          .LongMargin = total.LongMargin,
+                          .ShortMargin = total.ShortMargin,
+                          .LongLots = total.LongLots,
+                          .ShortLots = total.ShortLots,
+                          .Available = equity - total.LongMargin - total.ShortMargin,
+                          .Equity = equity,
+                          .PercentEquity = percentEquity,
+                          .OpenReturn = total.OpenReturn,
+                          .BarCost = barCost,
+                          .Capital = account.Capital};
+  const double basis = data.PercentMode ? percentEquity : equity;
+  if (data.OutputMode == 1 || data.OutputMode == 2) {
+    // A report run follows the detail figures too, which read the point a bar checked out again
+    // replaces.
+    const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
+    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, &account.Detail);
+    sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
+  } else {
+    sysfuncs::PutEquityPoint(account, point);
+    sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, nullptr);
+  }
 
-  const double basis = data.PercentMode ? point.PercentEquity : point.Equity;
-  const bool reportRun = data.OutputMode == 1 || data.OutputMode == 2;
-  sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode,
-                           reportRun ? &account.Detail : nullptr);
-  if (reportRun) sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
-  sysfuncs::RecordBarOrders(account.BarOrders, data.Ledgers, bar);
+  // Ledgers past DataCount keep no orders of the bar unless a host addressed them.
+  for (size_t index = static_cast<size_t>(std::max(data.DataCount, 0));
+       !anyOrder && index < data.Ledgers.size(); ++index) {
+    anyOrder = sysfuncs::HasOrdersOnBar(data.Ledgers[index], bar);
+  }
+  if (anyOrder) {
+    sysfuncs::RecordBarOrders(account, data.Ledgers, bar);
+  } else {
+    sysfuncs::ForgetBarOrders(account.BarOrders, bar);
+  }
 }
 
 void SFImpl::FollowCheckPoint() {

@@ -5,6 +5,7 @@
 #include "sysfuncs/HostData.h"
 
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <vector>
 
@@ -21,10 +22,23 @@ const CheckPointRecord* FollowThroughDecision(const std::map<int64_t, CheckPoint
 // Sum of the costs of a series' orders executed on `bar` (the orders at the end of the list).
 double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar);
 
-// Keeps `barOrders[bar]` equal to the orders every series executed on `bar`, in series order;
-// a bar without orders has no entry. Costs nothing on a bar without orders.
-void RecordBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders,
-                     const std::vector<StrategyLedger>& ledgers, int32_t bar);
+// Whether a series executed orders on `bar`: its order list ends with one of that bar.
+inline bool HasOrdersOnBar(const StrategyLedger& ledger, int32_t bar) {
+  return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
+}
+
+// Sets the account's BarOrders[bar] to the orders every series executed on `bar`, in series
+// order, in a spare entry when there is one. REQUIRES: some ledger HasOrdersOnBar.
+void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>& ledgers,
+                     int32_t bar);
+
+// Removes the entry of `bar`, a bar without orders that may have had some when it was evaluated
+// before; a bar without an entry costs one test.
+inline void ForgetBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders, int32_t bar) {
+  if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
+    barOrders.erase(std::prev(barOrders.end()));
+  }
+}
 
 }  // namespace sysfuncs
 

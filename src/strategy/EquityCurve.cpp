@@ -3,7 +3,6 @@
 #include "strategy/MoneyRules.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace sysfuncs {
 namespace {
@@ -14,29 +13,15 @@ bool UsesMargin(const EquityPoint& point) {
 
 }  // namespace
 
-std::optional<EquityPoint> PutEquityPoint(StrategyAccount& account, const EquityPoint& point) {
-  std::vector<EquityPoint>& curve = account.EquityCurve;
-  if (!curve.empty() && curve.back().Bar == point.Bar) {
-    const EquityPoint replaced = curve.back();
-    curve.back() = point;
-    account.PercentEquitySum += point.PercentEquity - replaced.PercentEquity;
-    return replaced;
-  }
-  curve.push_back(point);
-  account.PercentEquitySum += point.PercentEquity;
-  return std::nullopt;
+void RaiseDrawDownPeak(AccountStatistics& stats, double basis) {
+  stats.Peak = basis;
+  stats.Trough = basis;
+  if (stats.EpisodeDrawDown < 0.0) stats.EpisodeDrawDowns.push_back(stats.EpisodeDrawDown);
+  stats.EpisodeDrawDown = 0.0;
 }
 
-void UpdateDrawDown(AccountStatistics& stats, double basis, int64_t time, bool percentMode,
+void DeepenDrawDown(AccountStatistics& stats, double basis, int64_t time, bool percentMode,
                     ReportDetail* detail) {
-  if (basis > stats.Peak) {
-    stats.Peak = basis;
-    stats.Trough = basis;
-    if (stats.EpisodeDrawDown < 0.0) stats.EpisodeDrawDowns.push_back(stats.EpisodeDrawDown);
-    stats.EpisodeDrawDown = 0.0;
-    return;
-  }
-  if (!(basis < stats.Trough)) return;
   stats.Trough = basis;
   const double drawDown = stats.Peak - basis;
   // The ratio is taken against the peak of the episode in progress.

@@ -37,18 +37,6 @@ double OpenProfitAtExtreme(const SeriesView& series, bool favourable) {
 
 }  // namespace
 
-int32_t MarketPosition(const StrategyLedger& ledger) {
-  if (ledger.OpenEntries.empty()) return 0;
-  switch (KindByte(ledger.OpenEntries.front().Kind)) {
-    case kBuy:
-      return 1;
-    case kSellShort:
-      return -1;
-    default:
-      return 0;
-  }
-}
-
 double CurrentContracts(const StrategyLedger& ledger) {
   double lots = 0.0;
   for (const EntryLot& entry : ledger.OpenEntries) lots += entry.Lots;

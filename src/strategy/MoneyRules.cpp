@@ -4,22 +4,6 @@
 
 namespace sysfuncs {
 
-double Margin(const ContractTerms& terms, const CostSetting& cost, double lots, double price) {
-  switch (terms.MarginKind) {
-    case 1:
-      return terms.ContractSize * lots * price * cost.MarginRate;
-    case 2:
-    case 3:
-      return terms.ContractSize * lots * cost.MarginRate;
-    case 4:
-      return terms.LotValue * lots * price * cost.MarginRate;
-    case 5:
-      return terms.LotValue * lots * price;  // the full value: the rate does not apply
-    default:
-      return 0.0;
-  }
-}
-
 double Commission(const ContractTerms& terms, const CostSetting& cost, double lots, double price) {
   const double rate = cost.CommissionRate;
   switch (cost.CommissionKind) {
@@ -60,30 +44,6 @@ double ExitCost(const ContractTerms& terms, const CostSetting& cost, double lots
   const double slippage = Slippage(terms, cost, lots);
   if (cost.SameDayExitFree && sameTradingDay) return slippage;
   return slippage + Commission(terms, cost, lots, price);
-}
-
-double PerLotProfit(const ContractTerms& terms, bool isLong, double entryPrice, double price) {
-  const double gain = isLong ? price - entryPrice : entryPrice - price;
-  switch (terms.MarginKind) {
-    case 1:
-      return terms.ContractSize * gain;
-    case 2:
-    case 3:
-      // The gain is taken relative to the price; at a price of 0 (a no-trade bar) there is none.
-      return price != 0.0 ? terms.ContractSize * gain / price : 0.0;
-    case 4:
-    case 5:
-      return terms.LotValue * gain;
-    default:
-      return 0.0;
-  }
-}
-
-double ReturnOnMargin(const ContractTerms& terms, const CostSetting& cost, double profit,
-                      double entryPrice) {
-  // A lot that needs no margin earns no return rather than a division by zero.
-  const double margin = Margin(terms, cost, 1.0, entryPrice);
-  return margin != 0.0 ? profit / margin : 0.0;
 }
 
 double RoundToTick(double price, double tickSize, PriceDirection direction) {

@@ -25,8 +25,23 @@ inline constexpr double kAmountTolerance = 0.0001;
 
 // Margin of `lots` lots at `price`: kind 1 ContractSize x lots x price x rate; kinds 2 and 3
 // ContractSize x lots x rate; kind 4 LotValue x lots x price x rate; kind 5 LotValue x lots x
-// price (no rate); any other kind 0.
-double Margin(const ContractTerms& terms, const CostSetting& cost, double lots, double price);
+// price (no rate); any other kind 0. Inline: every checkout values every open entry with it.
+inline double Margin(const ContractTerms& terms, const CostSetting& cost, double lots,
+                     double price) {
+  switch (terms.MarginKind) {
+    case 1:
+      return terms.ContractSize * lots * price * cost.MarginRate;
+    case 2:
+    case 3:
+      return terms.ContractSize * lots * cost.MarginRate;
+    case 4:
+      return terms.LotValue * lots * price * cost.MarginRate;
+    case 5:
+      return terms.LotValue * lots * price;  // the full value: the rate does not apply
+    default:
+      return 0.0;
+  }
+}
 
 // Commission of `lots` lots at `price`, by the commission kind: 1 ticks per lot, 2 a fraction of
 // the turnover in units of 1/10000, any other kind money per lot.
@@ -46,11 +61,31 @@ double ExitCost(const ContractTerms& terms, const CostSetting& cost, double lots
 // Profit of one lot bought (`isLong`) or sold short at `entryPrice` and valued at `price`: kinds
 // 4 and 5 LotValue x (price - entry); kind 1 ContractSize x (price - entry); kinds 2 and 3
 // ContractSize x (price - entry) / price; any other kind 0. A short lot gains (entry - price).
-double PerLotProfit(const ContractTerms& terms, bool isLong, double entryPrice, double price);
+inline double PerLotProfit(const ContractTerms& terms, bool isLong, double entryPrice,
+                           double price) {
+  const double gain = isLong ? price - entryPrice : entryPrice - price;
+  switch (terms.MarginKind) {
+    case 1:
+      return terms.ContractSize * gain;
+    case 2:
+    case 3:
+      // The gain is taken relative to the price; at a price of 0 (a no-trade bar) there is none.
+      return price != 0.0 ? terms.ContractSize * gain / price : 0.0;
+    case 4:
+    case 5:
+      return terms.LotValue * gain;
+    default:
+      return 0.0;
+  }
+}
 
 // Return of `profit` on the margin of one lot at `entryPrice`.
-double ReturnOnMargin(const ContractTerms& terms, const CostSetting& cost, double profit,
-                      double entryPrice);
+inline double ReturnOnMargin(const ContractTerms& terms, const CostSetting& cost, double profit,
+                             double entryPrice) {
+  // A lot that needs no margin earns no return rather than a division by zero.
+  const double margin = Margin(terms, cost, 1.0, entryPrice);
+  return margin != 0.0 ? profit / margin : 0.0;
+}
 
 // `price` moved onto the tick grid of `tickSize`, up for a buy and down for a sell, except that a
 // price within 1% of a tick of the grid point on the other side goes to that point.

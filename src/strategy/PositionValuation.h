@@ -4,8 +4,10 @@
 
 #include "sysfuncs/HostData.h"
 
+#include "strategy/LedgerStatistics.h"
 #include "strategy/MoneyRules.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -23,18 +25,51 @@ struct PositionValue {
   double BestProfit = 0.0;  // at the High for long entries, at the Low for short ones
   double WorstProfit = 0.0;
 
-  PositionValue& operator+=(const PositionValue& other);
+  PositionValue& operator+=(const PositionValue& other) {
+    LongMargin += other.LongMargin;
+    ShortMargin += other.ShortMargin;
+    LongLots += other.LongLots;
+    ShortLots += other.ShortLots;
+    OpenProfit += other.OpenProfit;
+    OpenReturn += other.OpenReturn;
+    BestProfit += other.BestProfit;
+    WorstProfit += other.WorstProfit;
+    return *this;
+  }
 };
 
 // Values `entries` on bar `barIndex` (`bar`). An entry made on that bar, and every entry of a
 // single-price series, is valued at the Close only; earlier entries reach the High and the Low.
-PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& bar,
-                            int32_t barIndex, bool singlePriceBars, const ContractTerms& terms,
-                            const CostSetting& cost);
+// Inline: the checkout values every open position on every bar.
+inline PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& bar,
+                                   int32_t barIndex, bool singlePriceBars,
+                                   const ContractTerms& terms, const CostSetting& cost) {
+  PositionValue value;
+  for (const EntryLot& entry : entries) {
+    const bool isLong = IsLongKind(entry.Kind);
+    const bool closeOnly = singlePriceBars || entry.Bar >= barIndex;
+    const double high = closeOnly ? bar.Close : bar.High;
+    const double low = closeOnly ? bar.Close : bar.Low;
+    const double atClose = PerLotProfit(terms, isLong, entry.Price, bar.Close) * entry.Lots;
+    const double atHigh = PerLotProfit(terms, isLong, entry.Price, high) * entry.Lots;
+    const double atLow = PerLotProfit(terms, isLong, entry.Price, low) * entry.Lots;
+    const double margin = Margin(terms, cost, entry.Lots, bar.Close);
+    (isLong ? value.LongMargin : value.ShortMargin) += margin;
+    (isLong ? value.LongLots : value.ShortLots) += entry.Lots;
+    value.OpenProfit += atClose;
+    value.OpenReturn += ReturnOnMargin(terms, cost, atClose, entry.Price) * 100.0;
+    value.BestProfit += isLong ? atHigh : atLow;
+    value.WorstProfit += isLong ? atLow : atHigh;
+  }
+  return value;
+}
 
 // Moves the series' running open-profit extremes out to the position's best and worst case; a
 // flat series moves them towards 0.
-void UpdateOpenExtremes(LedgerStatistics& stats, const PositionValue& value);
+inline void UpdateOpenExtremes(LedgerStatistics& stats, const PositionValue& value) {
+  stats.BestOpenProfit = std::max(stats.BestOpenProfit, value.BestProfit);
+  stats.WorstOpenProfit = std::min(stats.WorstOpenProfit, value.WorstProfit);
+}
 
 }  // namespace sysfuncs
 

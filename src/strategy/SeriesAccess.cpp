@@ -10,8 +10,7 @@
 
 using sysfuncs::ContractTerms;
 
-ContractTerms SFImpl::TermsOf(int32_t dataIndex) {
-  if (dataIndex == 0) return {m_nProp24, m_dContractSize, m_dPointValue, m_dProp26};
+ContractTerms SFImpl::ListedTerms(int32_t dataIndex) {
   // A series whose properties cannot be obtained trades under the initial values of the main
   // series' cache; its invalid values would wreck the price and money rules.
   const SymbolPropertyList* list = ObtainSymbolPropertyList(dataIndex);
@@ -27,21 +26,6 @@ ContractTerms SFImpl::TermsOf(int32_t dataIndex) {
   terms.TickSize = properties[sysfuncs::kPropTickSize].DoubleValue;
   return terms;
 }
-
-int32_t SFImpl::SeriesBarIndex(int32_t dataIndex) const {
-  // A series with fewer bars than the main one is read at its last bar.
-  const int32_t last = static_cast<int32_t>(DataSource(dataIndex).Bars.size()) - 1;
-  return std::min(std::max(m_pData->CurrentBar, 0), last);
-}
-
-const QXBar& SFImpl::SeriesBar(int32_t dataIndex) const {
-  static const QXBar kNoBar;
-  const std::vector<QXBar>& bars = DataSource(dataIndex).Bars;
-  if (bars.empty()) return kNoBar;
-  return bars[SeriesBarIndex(dataIndex)];
-}
-
-StrategyLedger& SFImpl::CurrentLedger() { return m_pData->Ledgers[m_pData->CurrentData]; }
 
 sysfuncs::SeriesView SFImpl::SeriesOf(int32_t dataIndex) {
   return sysfuncs::SeriesView{m_pData->Ledgers[dataIndex], DataSource(dataIndex).Bars,

@@ -192,8 +192,6 @@ bool SFImpl::BuyToCover(double lots, double price, uint32_t origin) {
   return PlaceSignalOrder(*this, kBuyToCover, lots, price, origin);
 }
 
-int32_t SFImpl::MarketPosition() { return sysfuncs::MarketPosition(CurrentLedger()); }
-
 double SFImpl::AvailableCapital() {
   double capital = m_spStrategyAccount->Capital;
   const sysfuncs::CurrentDataScope scope(m_pData);

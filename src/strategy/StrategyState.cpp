@@ -17,7 +17,13 @@ void ResetAccount(StrategyAccount& account, double initCapital, bool percentMode
   account.Stats.Peak = peak;
   account.Stats.Trough = peak;
   account.Trades.clear();
-  account.BarOrders.clear();
+  // The bar-order entries are kept aside for the new run to fill.
+  std::map<int32_t, std::vector<OrderRecord>>& spare = account.SpareBarOrders;
+  while (!account.BarOrders.empty()) {
+    auto entry = account.BarOrders.extract(account.BarOrders.begin());
+    entry.key() = spare.empty() ? 0 : spare.begin()->first - 1;
+    spare.insert(spare.begin(), std::move(entry));
+  }
   account.Detail = ReportDetail{};
   account.Detail.HighestBasisTime = firstBarTime;
   account.Detail.MaxDrawDownTime = firstBarTime;

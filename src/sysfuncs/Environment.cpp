@@ -16,7 +16,7 @@ CMyQXEnvPtr& MyQXEnvHandle() {
 }
 
 template <typename Env>
-IceUtil::Handle<Env> Obtain(IceUtil::Handle<Env>& handle) {
+IceUtil::Handle<Env>& Obtain(IceUtil::Handle<Env>& handle) {
   if (!handle) handle = new Env();
   return handle;
 }
@@ -24,6 +24,8 @@ IceUtil::Handle<Env> Obtain(IceUtil::Handle<Env>& handle) {
 }  // namespace
 
 CSFEnvPtr GetSFEnv() { return Obtain(SFEnvHandle()); }
+
+CSFEnv& CurrentSFEnv() { return *Obtain(SFEnvHandle()); }
 
 CMyQXEnvPtr GetMyQXEnv() { return Obtain(MyQXEnvHandle()); }
 

@@ -56,6 +56,9 @@ namespace sysfuncs {
 // The module's environment, created on first use and kept until the process ends. Using the
 // returned handle when it is null raises IceUtil::NullHandleException.
 CSFEnvPtr GetSFEnv();
+// The same environment without taking a counted reference, for a read on a hot path; valid until
+// the environment is replaced.
+CSFEnv& CurrentSFEnv();
 CMyQXEnvPtr GetMyQXEnv();
 
 // Replaces the environment by a fresh one, as if the module had just been loaded; the previous

@@ -14,11 +14,13 @@
 #include "live/QuoteFields.h"
 #include "live/ValueCache.h"
 #include "strategy/LedgerStatistics.h"
+#include "strategy/MoneyRules.h"
 #include "strategy/SignalOrders.h"
 #include "util/LocalCalendar.h"
 
 #include <IceUtil/Shared.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -153,20 +155,30 @@ class SFImpl : public IceUtil::Shared {
   bool SellShort(double lots, double price, uint32_t origin);
   bool BuyToCover(double lots, double price, uint32_t origin);
   // 1 long, -1 short, 0 flat: the position of the current series.
-  int32_t MarketPosition();
+  int32_t MarketPosition() { return sysfuncs::MarketPosition(CurrentLedger()); }
   // Realised capital less the margin of every open position at its current bar's Open.
   double AvailableCapital();
 
   // Series as the order engine sees them. Data source 0 trades under the cached values above,
   // the others under their property lists.
-  sysfuncs::ContractTerms TermsOf(int32_t dataIndex);
+  sysfuncs::ContractTerms TermsOf(int32_t dataIndex) {
+    if (dataIndex == 0) return {m_nProp24, m_dContractSize, m_dPointValue, m_dProp26};
+    return ListedTerms(dataIndex);
+  }
   // Bar CurrentBar of a data source (its last bar when it has fewer).
-  const QXBar& SeriesBar(int32_t dataIndex) const;
+  const QXBar& SeriesBar(int32_t dataIndex) const {
+    static const QXBar kNoBar;
+    const std::vector<QXBar>& bars = DataSource(dataIndex).Bars;
+    return bars.empty() ? kNoBar : bars[SeriesBarIndex(dataIndex)];
+  }
   // Index of that bar: CurrentBar, or the series' last bar when it has fewer bars (-1: none).
-  int32_t SeriesBarIndex(int32_t dataIndex) const;
+  int32_t SeriesBarIndex(int32_t dataIndex) const {
+    const int32_t last = static_cast<int32_t>(DataSource(dataIndex).Bars.size()) - 1;
+    return std::min(std::max(m_pData->CurrentBar, 0), last);
+  }
   // The day's price limits of a data source; the invalid number where there is none.
   sysfuncs::PriceLimits DayPriceLimits(int32_t dataIndex);
-  StrategyLedger& CurrentLedger();
+  StrategyLedger& CurrentLedger() { return m_pData->Ledgers[m_pData->CurrentData]; }
   sysfuncs::SeriesView SeriesOf(int32_t dataIndex);
   sysfuncs::SeriesView CurrentSeries() { return SeriesOf(m_pData->CurrentData); }
   sysfuncs::OrderContext CurrentOrderContext();
@@ -228,6 +240,8 @@ class SFImpl : public IceUtil::Shared {
                                 size_t slot);
   template <typename Result, typename Read>
   Result ReadOrder(sysfuncs::OrderBook book, int32_t index, Read read, Result invalid) const;
+  // The contract terms of a series other than the main one, from its property list.
+  sysfuncs::ContractTerms ListedTerms(int32_t dataIndex);
 };
 
 #endif  // SYSFUNCS_SYSFUNCS_SF_IMPL_H_

@@ -116,6 +116,37 @@ TEST(BarCheckout, OnePointPerBarAndNoAllocationOnBarsWithoutOrders) {
   }
 }
 
+// A bar evaluated anew without the order it had: its point is replaced (the open return counted
+// once) and its bar-order entry goes; the next bar with an order gets its own entry.
+TEST(BarCheckout, BarEvaluatedAgainWithoutItsOrderLosesItsBarOrders) {
+  for (const int32_t mode : {0, 2}) {
+    Checkouts run;
+    run.host.data.OutputMode = mode;
+    run.CheckOut(0);
+    run.host.At(0, 1);
+    ASSERT_TRUE(run.impl->Buy(2.0, 0.0, kOriginFormula));  // 2 at 102, commission 2
+    run.CheckOut(1);
+    ASSERT_EQ(run.account().BarOrders.count(1), 1u) << "mode " << mode;
+    run.host.At(0, 1);
+    run.impl->RollBackToCurrentBar();  // bar 1 again, this time without the Buy
+    run.CheckOut(1);
+    const std::vector<EquityPoint>& curve = run.account().EquityCurve;
+    ASSERT_EQ(curve.size(), 2u) << "mode " << mode;
+    EXPECT_EQ(curve[1].BarCost, 0.0) << "mode " << mode;
+    EXPECT_EQ(curve[1].LongLots, 0.0) << "mode " << mode;
+    EXPECT_EQ(curve[1].Equity, 10000.0) << "mode " << mode;
+    EXPECT_EQ(run.account().PercentEquitySum, 0.0) << "mode " << mode;
+    EXPECT_TRUE(run.account().BarOrders.empty()) << "mode " << mode;
+
+    run.host.At(0, 2);
+    ASSERT_TRUE(run.impl->Buy(1.0, 0.0, kOriginFormula));  // 1 at 103
+    run.CheckOut(2);
+    ASSERT_EQ(run.account().BarOrders.size(), 1u) << "mode " << mode;
+    EXPECT_EQ(run.account().BarOrders.begin()->first, 2) << "mode " << mode;
+    EXPECT_EQ(curve[2].BarCost, 1.0) << "mode " << mode;
+  }
+}
+
 TEST(BarCheckout, RolloverMovesThePositionAtTheOpenOfItsBar) {
   for (const OrderKind entry : {kSellShort, kBuy}) {
     Checkouts run;
