@@ -9,6 +9,7 @@
 #include "qxrun/host/FileAdapter.h"
 #include "qxrun/host/HostRun.h"
 #include "qxrun/host/MessageCentre.h"
+#include "qxrun/host/ModuleSession.h"
 #include "qxrun/report/Figures.h"
 #include "qxrun/report/OutputFolder.h"
 #include "qxrun/report/PageBuilder.h"
@@ -65,20 +66,6 @@ class ProgressBar {
   Clock::time_point start_ = Clock::now();
 };
 
-// SysFuncs_Init on construction, SysFuncs_Exit (which hands the last buffered lines over) on
-// destruction, with the host's message centre in place.
-class ModuleScope {
- public:
-  ModuleScope(MessageCentre& centre, CDataAdapter& adapter, const std::string& baseDir) {
-    SysFuncs_SetPlatform(HostPlatform(centre));
-    const char* user = std::getenv("USER");
-    SysFuncs_Init(nullptr, &adapter, baseDir.c_str(), user != nullptr ? user : "qxrun");
-  }
-  ~ModuleScope() { SysFuncs_Exit(); }
-  ModuleScope(const ModuleScope&) = delete;
-  ModuleScope& operator=(const ModuleScope&) = delete;
-};
-
 }  // namespace
 
 int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err, RunTimes* times) {
@@ -129,7 +116,8 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err, 
   FileAdapter adapter(settings.Symbols, std::move(quotes), userDir);
   HostInstance instance(sources, settings, spec.Name);
   {
-    ModuleScope module(centre, adapter, userDir.string());
+    const char* user = std::getenv("USER");
+    ModuleSession module(centre, adapter, userDir.string(), user != nullptr ? user : "qxrun");
     ProgressBar progress(!options.Quiet);
     instance.Run(spec, params, [&progress](int32_t done, int32_t total) { progress(done, total); });
   }

@@ -63,8 +63,8 @@ struct PageData {
   std::vector<PageCandle> Candles;  // the main series at full resolution, oldest first
   std::vector<PageLine> Lines;
   std::vector<PageMarker> Markers;
-  std::vector<PagePoint> Equity;    // one point per bar
-  std::vector<PagePoint> Drawdown;  // one point per bar, <= 0
+  std::vector<PagePoint> Equity;         // one point per bar
+  std::vector<PagePoint> Drawdown;       // one point per bar, <= 0
   std::vector<std::string> StatColumns;  // e.g. {"All", "Long", "Short"}
   std::vector<PageStatRow> Stats;
   std::vector<PageMonthReturn> Monthly;
