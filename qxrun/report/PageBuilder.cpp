@@ -126,17 +126,9 @@ PageData BuildPageData(const RunHeading& heading, const RunFigures& figures,
 
 bool WriteReportPageFile(OutputFolder& folder, const RunHeading& heading, const RunFigures& figures,
                          const CQXBaseData& data) {
-#ifdef QXRUN_HAVE_PAGE
   const PageData page = BuildPageData(heading, figures, data);
   folder.Write("report.html", [&page](std::ostream& out) { WriteReportPage(page, out); });
   return true;
-#else
-  (void)folder;
-  (void)heading;
-  (void)figures;
-  (void)data;
-  return false;
-#endif
 }
 
 }  // namespace qxrun

@@ -17,7 +17,7 @@ namespace qxrun {
 PageData BuildPageData(const RunHeading& heading, const RunFigures& figures,
                        const CQXBaseData& data);
 
-// Writes report.html into the folder when qxrun was built with the page; false otherwise.
+// Writes report.html into the folder; true when written.
 bool WriteReportPageFile(OutputFolder& folder, const RunHeading& heading, const RunFigures& figures,
                          const CQXBaseData& data);
 
