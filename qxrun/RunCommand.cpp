@@ -156,7 +156,7 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err, 
     folder->Write("orders.csv", [&](std::ostream& file) { WriteOrdersCsv(file, data); });
     folder->Write("plots.csv", [&](std::ostream& file) { WritePlotsCsv(file, data); });
     const Clock::time_point pageStart = Clock::now();
-    if (WriteReportPageFile(*folder, heading, figures, data)) {
+    if (options.Page && WriteReportPageFile(*folder, heading, figures, data)) {
       pageSeconds = SecondsSince(pageStart);
     }
     if (!options.Quiet) {

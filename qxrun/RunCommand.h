@@ -18,6 +18,7 @@ struct RunOptions {
   std::optional<double> Capital;
   std::optional<int> Lots;
   bool Quiet = false;
+  bool Page = true;  // report.html with --out
 };
 
 // Seconds spent in each phase of a run.

@@ -45,6 +45,8 @@ int main(int argc, char** argv) {
   run->add_option("--capital", options.Capital, "initial capital (overrides the run file)");
   run->add_option("--lots", options.Lots, "default lots (overrides the run file)");
   run->add_flag("--quiet", options.Quiet, "print nothing but errors");
+  bool noPage = false;
+  run->add_flag("--no-page", noPage, "write no report.html");
 
   app.add_subcommand("formulas", "list the bundled formulas and their parameters");
 
@@ -64,6 +66,7 @@ int main(int argc, char** argv) {
       ListFormulas();
       return 0;
     }
+    options.Page = !noPage;
     return qxrun::RunCommand(options, std::cout, std::cerr);
   } catch (const qxrun::InputError& error) {
     std::fprintf(stderr, "qxrun: %s\n", error.what());

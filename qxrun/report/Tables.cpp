@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <iomanip>
 #include <limits>
@@ -67,16 +68,29 @@ class CsvWriter {
         block_ = block;
         const std::time_t start = static_cast<std::time_t>(block * 900);
         localtime_r(&start, &start_);
+        // "YYYY-MM-DD HH:MM:SS": the date changes only with the quarter hour.
+        std::memcpy(text_, "0000-00-00 00:00:00", 20);
+        Digits(text_, start_.tm_year + 1900, 4);
+        Digits(text_ + 5, start_.tm_mon + 1, 2);
+        Digits(text_ + 8, start_.tm_mday, 2);
       }
       const int64_t within = seconds - block * 900;
       const int minute = start_.tm_min + static_cast<int>(within / 60);
-      std::snprintf(text_, sizeof(text_), "%04d-%02d-%02d %02d:%02d:%02d", start_.tm_year + 1900,
-                    start_.tm_mon + 1, start_.tm_mday, start_.tm_hour, minute,
-                    start_.tm_sec + static_cast<int>(within % 60));
+      const int second = start_.tm_sec + static_cast<int>(within % 60);
+      Digits(text_ + 11, start_.tm_hour, 2);
+      Digits(text_ + 14, minute, 2);
+      Digits(text_ + 17, second, 2);
       return text_;
     }
 
    private:
+    static void Digits(char* at, int value, int width) {
+      for (int i = width - 1; i >= 0; --i) {
+        at[i] = static_cast<char>('0' + value % 10);
+        value /= 10;
+      }
+    }
+
     int64_t block_ = std::numeric_limits<int64_t>::min();
     std::tm start_{};
     char text_[40] = {};

@@ -57,7 +57,11 @@ class SeriesRef {
   void Set(const T& value) {
     auto& values = (*lists_)[index_];
     const size_t bar = static_cast<size_t>(data_->CurrentBar);
-    if (values.size() <= bar) values.resize(bar + 1, values.empty() ? T() : values.back());
+    if (values.size() == bar) {
+      values.push_back(value);  // the usual case: one value per bar, in bar order
+      return;
+    }
+    if (values.size() < bar) values.resize(bar + 1, values.empty() ? T() : values.back());
     values[bar] = value;
   }
 
