@@ -1,6 +1,7 @@
 #include "qxrun/config/RunFile.h"
 
 #include "qxrun/InputError.h"
+#include "qxrun/config/JsonFile.h"
 
 #include <cmath>
 #include <fstream>
@@ -190,12 +191,6 @@ void ReadStrategy(const json& value, const std::string& path, const std::string&
   reader.Finish();
 }
 
-// The line of a byte offset, counted from 1.
-size_t LineOf(const std::string& text, size_t offset) {
-  if (offset > text.size()) offset = text.size();
-  return 1 + static_cast<size_t>(std::count(text.begin(), text.begin() + offset, '\n'));
-}
-
 }  // namespace
 
 std::string SessionItems(const std::string& sessions, const std::string& where) {
@@ -222,20 +217,7 @@ RunSettings DefaultRunSettings() {
 
 RunSettings LoadRunFile(const std::filesystem::path& path) {
   const std::string file = path.string();
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw InputError(file + ": cannot open the run file");
-  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  json root;
-  try {
-    root = json::parse(text);
-  } catch (const json::parse_error& error) {
-    // The parser's message names the byte; people look for the line.
-    std::string what = error.what();
-    const size_t colon = what.rfind(": ");
-    if (colon != std::string::npos) what = what.substr(colon + 2);
-    throw InputError(file + ":" + std::to_string(LineOf(text, error.byte)) +
-                     ": malformed JSON: " + what);
-  }
+  const json root = ReadJsonFile(path, "run file");
 
   RunSettings settings = DefaultRunSettings();
   const std::filesystem::path folder = path.parent_path();

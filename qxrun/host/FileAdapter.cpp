@@ -1,6 +1,7 @@
 #include "qxrun/host/FileAdapter.h"
 
 #include "qxrun/InputError.h"
+#include "qxrun/config/JsonFile.h"
 
 #include <cmath>
 #include <fstream>
@@ -105,20 +106,7 @@ Quill::ICodeProperty PropertyOf(const SymbolTerms& terms) {
 
 std::map<std::string, Quill::ITickDeepLevel> LoadQuoteSnapshot(const std::filesystem::path& path) {
   const std::string file = path.string();
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw InputError(file + ": cannot open the quote snapshot");
-  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  nlohmann::json root;
-  try {
-    root = nlohmann::json::parse(text);
-  } catch (const nlohmann::json::parse_error& error) {
-    const size_t line =
-        1 +
-        static_cast<size_t>(std::count(
-            text.begin(),
-            text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size())), '\n'));
-    throw InputError(file + ":" + std::to_string(line) + ": malformed JSON");
-  }
+  const nlohmann::json root = ReadJsonFile(path, "quote snapshot");
   if (!root.is_object()) Fail(file, "/", "must be an object of symbol codes");
   std::map<std::string, Quill::ITickDeepLevel> quotes;
   for (const auto& [code, value] : root.items()) quotes[code] = ReadQuote(value, file, "/" + code);
