@@ -2,9 +2,8 @@
 #ifndef QXRUN_CONFIG_JSON_FILE_H_
 #define QXRUN_CONFIG_JSON_FILE_H_
 
-#include <nlohmann/json.hpp>
-
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace qxrun {
