@@ -108,7 +108,8 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err, 
   }
   const double loadSeconds = SecondsSince(loadStart);
 
-  // Run.
+  // Run. The input is good: the output folder may be made, for FileAppend lines among others.
+  if (folder) folder->Make();
   const Clock::time_point runStart = Clock::now();
   const std::filesystem::path userDir =
       settings.UserDir.empty() ? DefaultUserDir() : settings.UserDir;

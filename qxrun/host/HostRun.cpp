@@ -55,7 +55,7 @@ void HostInstance::Run(const FormulaSpec& spec, const std::map<std::string, doub
       nextReport += every;
     }
   }
-  if (progress) progress(bars, bars);
+  if (progress && nextReport - every != bars) progress(bars, bars);  // the end, once
 }
 
 }  // namespace qxrun

@@ -48,9 +48,15 @@ OutputFolder::OutputFolder(std::filesystem::path folder) : folder_(std::move(fol
   if (!CanWriteIn(parent)) throw InputError(where + ": " + parent.string() + " cannot be written");
 }
 
-void OutputFolder::Write(const std::string& name, const std::function<void(std::ostream&)>& write) {
+void OutputFolder::Make() {
   std::error_code error;
   std::filesystem::create_directories(folder_, error);
+  if (error) throw std::runtime_error("cannot make " + folder_.string() + ": " + error.message());
+}
+
+void OutputFolder::Write(const std::string& name, const std::function<void(std::ostream&)>& write) {
+  Make();
+  std::error_code error;
   const std::filesystem::path target = folder_ / name;
   const std::filesystem::path temporary = folder_ / ("." + name + ".tmp");
   {

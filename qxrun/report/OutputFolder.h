@@ -17,6 +17,9 @@ class OutputFolder {
   // parent folder exists. Nothing is created yet. Throws InputError naming the folder.
   explicit OutputFolder(std::filesystem::path folder);
 
+  // Makes the folder when missing. Throws std::runtime_error when it cannot be made.
+  void Make();
+
   // Writes `name` in the folder (made when missing) through `write`. Throws std::runtime_error
   // when the file cannot be written; a partly written file is removed.
   void Write(const std::string& name, const std::function<void(std::ostream&)>& write);
