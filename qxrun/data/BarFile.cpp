@@ -4,6 +4,7 @@
 #include "qxrun/data/BarRows.h"
 #include "qxrun/data/CsvLayout.h"
 #include "qxrun/data/LineStream.h"
+#include "qxrun/data/MemoryHints.h"
 
 #include <algorithm>
 
@@ -12,6 +13,13 @@ namespace {
 
 bool IsBlankLine(std::string_view line) {
   return std::all_of(line.begin(), line.end(), [](char c) { return c == ' ' || c == '\t'; });
+}
+
+// Makes room for `count` bars, their memory mapped at once.
+void Reserve(std::vector<QXBar>& bars, size_t count) {
+  bars.reserve(count);
+  QXBar* const unused = bars.data() + bars.size();
+  PrepareForWriting(unused, (bars.capacity() - bars.size()) * sizeof(QXBar));
 }
 
 // Room for the bars of the bytes not read yet, from the average line length so far, with 2% to
@@ -42,9 +50,10 @@ void LoadBarFile(const std::filesystem::path& file, const ColumnMap& map, QXData
   std::string barLine = firstLine;
   int64_t barLineNumber = 1;
   if (header) {
-    if (!stream.Next(&line) || IsBlankLine(line)) {
-      throw InputError(name + ":1: a header but no bars after it");
-    }
+    any = stream.Next(&line);
+    while (any && IsBlankLine(line)) any = stream.Next(&line);
+    if (!any) throw InputError(name + ":1: a header but no bars after it");
+    if (stream.LineNumber() > 2) throw InputError(name + ":2: an empty line after the header");
     barLine = std::string(line);
     barLineNumber = 2;
   }
@@ -52,7 +61,7 @@ void LoadBarFile(const std::filesystem::path& file, const ColumnMap& map, QXData
       ResolveLayout(map, firstLine, barLine, static_cast<int>(barLineNumber), name);
 
   std::vector<QXBar> bars;
-  bars.reserve(BarsToReserve(stream, 1));
+  Reserve(bars, BarsToReserve(stream, 1));
   BarRows rows(layout, name);
   bars.push_back(rows.Read(barLine, barLineNumber));
   // An empty line is fine at the end of the file; before another bar it is an error, since it
@@ -68,7 +77,7 @@ void LoadBarFile(const std::filesystem::path& file, const ColumnMap& map, QXData
                        ": an empty line between bars (the next bar is on line " +
                        std::to_string(stream.LineNumber()) + ")");
     }
-    if (bars.size() == bars.capacity()) bars.reserve(BarsToReserve(stream, bars.size()));
+    if (bars.size() == bars.capacity()) Reserve(bars, BarsToReserve(stream, bars.size()));
     bars.push_back(rows.Read(line, stream.LineNumber()));
   }
   const auto [barType, interval] = rows.Period();

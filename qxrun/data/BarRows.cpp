@@ -1,18 +1,14 @@
 #include "qxrun/data/BarRows.h"
 
 #include "qxrun/InputError.h"
+#include "qxrun/data/Numbers.h"
 
 #include <cmath>
-#include <fast_float/fast_float.h>
 
 namespace qxrun {
 namespace {
 
 constexpr int64_t kMillisecondsPerDay = 86400000;
-
-std::string DelimiterName(char delimiter) {
-  return delimiter == '\t' ? std::string("tab") : std::string("'") + delimiter + "'";
-}
 
 }  // namespace
 
@@ -34,9 +30,7 @@ double BarRows::Number(BarField field, bool required, int64_t lineNumber) const 
     Fail(lineNumber, field, "empty", text);
   }
   double value = 0.0;
-  const char* end = text.data() + text.size();
-  const fast_float::from_chars_result result = fast_float::from_chars(text.data(), end, value);
-  if (result.ec != std::errc() || result.ptr != end) Fail(lineNumber, field, "not a number", text);
+  if (!ParseNumber(text, &value)) Fail(lineNumber, field, "not a number", text);
   if (!std::isfinite(value)) Fail(lineNumber, field, "not a finite number", text);
   if (value < 0.0) {
     Fail(lineNumber, field, required ? "negative price" : "negative", text);
@@ -44,12 +38,29 @@ double BarRows::Number(BarField field, bool required, int64_t lineNumber) const 
   return value;
 }
 
+std::optional<size_t> BarRows::ReadDate(std::string_view text, CivilDate* date) {
+  // Rows of one day repeat the date's text: the same text followed by no further digit is the
+  // same date.
+  const size_t cached = lastDateText_.size();
+  if (cached > 0 && text.size() >= cached && text.compare(0, cached, lastDateText_) == 0 &&
+      (text.size() == cached || text[cached] < '0' || text[cached] > '9')) {
+    *date = lastDate_;
+    return cached;
+  }
+  const std::optional<size_t> length = layout_.DateFormat->ReadDate(text, date);
+  if (length) {
+    lastDateText_.assign(text.substr(0, *length));
+    lastDate_ = *date;
+  }
+  return length;
+}
+
 int64_t BarRows::Instant(int64_t lineNumber, int64_t* localMilliseconds) {
   const bool combined = layout_.Column(BarField::kDateTime) >= 0;
   const BarField dateField = combined ? BarField::kDateTime : BarField::kDate;
   const std::string_view dateText = fields_[static_cast<size_t>(layout_.Column(dateField))];
   CivilDate date;
-  const std::optional<size_t> dateLength = layout_.DateFormat->ReadDate(dateText, &date);
+  const std::optional<size_t> dateLength = ReadDate(dateText, &date);
   const bool timeFollows = combined && layout_.TimeFormat.has_value();
   if (!dateLength || (!timeFollows && *dateLength != dateText.size())) {
     Fail(lineNumber, dateField, "not a date in the layout " + layout_.DateFormat->Text(), dateText);
@@ -98,7 +109,8 @@ QXBar BarRows::Read(std::string_view line, int64_t lineNumber) {
     Fail(lineNumber, missing,
          "missing column: the row has " + std::to_string(count) + " field" +
              (count == 1 ? "" : "s") + " split at " + DelimiterName(layout_.Delimiter) +
-             ", the field is column " + std::to_string(lowest + 1),
+             ", the field is column " + std::to_string(lowest + 1) +
+             DelimiterHint(line, layout_.Delimiter),
          line);
   }
 
@@ -122,19 +134,9 @@ QXBar BarRows::Read(std::string_view line, int64_t lineNumber) {
   bar.Close = Number(BarField::kClose, true, lineNumber);
   bar.Vol = Number(BarField::kVolume, false, lineNumber);
   bar.OpenInt = Number(BarField::kOpenInt, false, lineNumber);
-  const auto text = [this](BarField field) {
-    return std::string(fields_[static_cast<size_t>(layout_.Column(field))]);
-  };
-  if (bar.Low > bar.High) {
-    Fail(lineNumber, BarField::kLow, "above High " + text(BarField::kHigh), text(BarField::kLow));
-  }
-  const std::string range = text(BarField::kLow) + " to " + text(BarField::kHigh);
-  if (bar.Open < bar.Low || bar.Open > bar.High) {
-    Fail(lineNumber, BarField::kOpen, "outside Low to High (" + range + ")", text(BarField::kOpen));
-  }
-  if (bar.Close < bar.Low || bar.Close > bar.High) {
-    Fail(lineNumber, BarField::kClose, "outside Low to High (" + range + ")",
-         text(BarField::kClose));
+  if (bar.Low > bar.High || bar.Open < bar.Low || bar.Open > bar.High || bar.Close < bar.Low ||
+      bar.Close > bar.High) {
+    FailOutsideRange(bar, lineNumber);
   }
 
   if (any_) CountSpacing(local - previousLocal_);
@@ -145,7 +147,21 @@ QXBar BarRows::Read(std::string_view line, int64_t lineNumber) {
   return bar;
 }
 
+void BarRows::FailOutsideRange(const QXBar& bar, int64_t lineNumber) const {
+  const auto text = [this](BarField field) {
+    return std::string(fields_[static_cast<size_t>(layout_.Column(field))]);
+  };
+  if (bar.Low > bar.High) {
+    Fail(lineNumber, BarField::kLow, "above High " + text(BarField::kHigh), text(BarField::kLow));
+  }
+  const std::string range = text(BarField::kLow) + " to " + text(BarField::kHigh);
+  const BarField outside =
+      bar.Open < bar.Low || bar.Open > bar.High ? BarField::kOpen : BarField::kClose;
+  Fail(lineNumber, outside, "outside Low to High (" + range + ")", text(outside));
+}
+
 void BarRows::CountSpacing(int64_t localMilliseconds) {
+  if (localMilliseconds <= 0) return;  // the second pass through a repeated hour
   if (spacingCount_ > 0 && spacings_[lastSpacing_].first == localMilliseconds) {
     ++spacings_[lastSpacing_].second;
     return;

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,7 +38,9 @@ class BarRows {
  private:
   [[noreturn]] void Fail(int64_t lineNumber, BarField field, const std::string& problem,
                          std::string_view value) const;
+  [[noreturn]] void FailOutsideRange(const QXBar& bar, int64_t lineNumber) const;
   double Number(BarField field, bool required, int64_t lineNumber) const;
+  std::optional<size_t> ReadDate(std::string_view text, CivilDate* date);
   int64_t Instant(int64_t lineNumber, int64_t* localMilliseconds);
   void CountSpacing(int64_t localMilliseconds);
 
@@ -45,6 +48,9 @@ class BarRows {
   std::string fileName_;
   LocalDays days_;
   std::array<std::string_view, kMaxColumns> fields_{};
+
+  std::string lastDateText_;  // the text of the last date read, and the date
+  CivilDate lastDate_;
 
   bool any_ = false;
   int64_t previousInstant_ = 0;

@@ -63,10 +63,13 @@ ColumnMap ColumnMapFromJson(const nlohmann::json& value, const std::string& path
        {"close", &map.Close},
        {"volume", &map.Volume},
        {"open_interest", &map.OpenInt}}};
-  for (const auto& [key, item] : value.items()) {
-    const std::string itemPath = path + "/" + key;
+  for (const auto& entry : value.items()) {
+    const std::string& key = entry.key();
+    const Json& item = entry.value();
+    std::string itemPath = path;
+    itemPath.append("/").append(key);
     const auto column = std::find_if(columns.begin(), columns.end(),
-                                     [&key](const auto& entry) { return entry.first == key; });
+                                     [&key](const auto& known) { return known.first == key; });
     if (column != columns.end()) {
       *column->second = ColumnNumber(item, itemPath);
     } else if (key == "delimiter") {

@@ -44,6 +44,36 @@ constexpr std::array<HeaderName, 23> kHeaderNames = {{
     {"position", BarField::kOpenInt},
 }};
 
+// Chinese header names, matched byte for byte in UTF-8 and in GBK (written as bytes so that the
+// compiler's code page for literals does not touch them): date, time, open, high, low, close
+// (each also with the suffix "price"), volume and open interest.
+constexpr std::array<HeaderName, 24> kChineseHeaderNames = {{
+    {"\xe6\x97\xa5\xe6\x9c\x9f", BarField::kDate},
+    {"\xc8\xd5\xc6\xda", BarField::kDate},
+    {"\xe6\x97\xb6\xe9\x97\xb4", BarField::kTime},
+    {"\xca\xb1\xbc\xe4", BarField::kTime},
+    {"\xe5\xbc\x80\xe7\x9b\x98", BarField::kOpen},
+    {"\xbf\xaa\xc5\xcc", BarField::kOpen},
+    {"\xe5\xbc\x80\xe7\x9b\x98\xe4\xbb\xb7", BarField::kOpen},
+    {"\xbf\xaa\xc5\xcc\xbc\xdb", BarField::kOpen},
+    {"\xe6\x9c\x80\xe9\xab\x98", BarField::kHigh},
+    {"\xd7\xee\xb8\xdf", BarField::kHigh},
+    {"\xe6\x9c\x80\xe9\xab\x98\xe4\xbb\xb7", BarField::kHigh},
+    {"\xd7\xee\xb8\xdf\xbc\xdb", BarField::kHigh},
+    {"\xe6\x9c\x80\xe4\xbd\x8e", BarField::kLow},
+    {"\xd7\xee\xb5\xcd", BarField::kLow},
+    {"\xe6\x9c\x80\xe4\xbd\x8e\xe4\xbb\xb7", BarField::kLow},
+    {"\xd7\xee\xb5\xcd\xbc\xdb", BarField::kLow},
+    {"\xe6\x94\xb6\xe7\x9b\x98", BarField::kClose},
+    {"\xca\xd5\xc5\xcc", BarField::kClose},
+    {"\xe6\x94\xb6\xe7\x9b\x98\xe4\xbb\xb7", BarField::kClose},
+    {"\xca\xd5\xc5\xcc\xbc\xdb", BarField::kClose},
+    {"\xe6\x88\x90\xe4\xba\xa4\xe9\x87\x8f", BarField::kVolume},
+    {"\xb3\xc9\xbd\xbb\xc1\xbf", BarField::kVolume},
+    {"\xe6\x8c\x81\xe4\xbb\x93\xe9\x87\x8f", BarField::kOpenInt},
+    {"\xb3\xd6\xb2\xd6\xc1\xbf", BarField::kOpenInt},
+}};
+
 size_t Index(BarField field) { return static_cast<size_t>(field); }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
@@ -59,6 +89,14 @@ std::string NormalName(std::string_view name) {
 }
 
 std::optional<BarField> FieldOfHeaderName(std::string_view name) {
+  const bool chinese = std::any_of(name.begin(), name.end(),
+                                   [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+  if (chinese) {
+    for (const HeaderName& entry : kChineseHeaderNames) {
+      if (entry.name == name) return entry.field;
+    }
+    return std::nullopt;
+  }
   const std::string normal = NormalName(name);
   for (const HeaderName& entry : kHeaderNames) {
     if (entry.name == normal) return entry.field;
@@ -119,15 +157,9 @@ class LayoutResolver {
                      ": " + problem);
   }
 
-  // A hint for a row that splits into too few fields: the delimiter that would split it.
-  std::string DelimiterHint(std::string_view line) const {
-    const char other = DetectDelimiter(line);
-    if (other == layout_.Delimiter || line.find(other) == std::string_view::npos) return "";
-    const auto name = [](char c) {
-      return c == '\t' ? std::string("tab") : std::string("'") + c + "'";
-    };
-    return "; the line is split at " + name(layout_.Delimiter) + " but holds " + name(other) +
-           ": set \"delimiter\" in the column map";
+  std::string HintFor(std::string_view line) const {
+    const std::string hint = DelimiterHint(line, layout_.Delimiter);
+    return hint.empty() ? "; map it in the column map" : hint;
   }
 
   void ColumnsFromHeader() {
@@ -218,9 +250,9 @@ class LayoutResolver {
       if (layout_.HasHeader) {
         Fail(1, field,
              "no column of the header names it (header '" + Quoted(firstLine_) + "')" +
-                 DelimiterHint(firstLine_) + "; or map it in the column map");
+                 HintFor(firstLine_));
       }
-      Fail(barLineNumber_, field, "missing column" + DelimiterHint(barLine_));
+      Fail(barLineNumber_, field, "missing column" + DelimiterHint(barLine_, layout_.Delimiter));
     }
     for (const int column : layout_.Columns) {
       layout_.ColumnsNeeded = std::max(layout_.ColumnsNeeded, column + 1);
@@ -259,10 +291,13 @@ class LayoutResolver {
       if (start != std::string_view::npos) timeValue = dateValue.substr(start);
     } else if (Column(BarField::kTime) >= 0) {
       timeValue = ValueAt(Column(BarField::kTime));
-    } else if (map_.TimeFormat.empty()) {
+    } else {
       // A "Date" column that holds the time as well.
       const size_t start = TimePartStart(dateValue, *layout_.DateFormat);
-      if (start == std::string_view::npos) return;
+      if (start == std::string_view::npos) {
+        if (map_.TimeFormat.empty()) return;
+        throw InputError(fileName_ + ": column map: a time format but no time in the file");
+      }
       std::swap(Column(BarField::kDate), Column(BarField::kDateTime));
       timeValue = dateValue.substr(start);
     }
@@ -295,6 +330,17 @@ class LayoutResolver {
 
 const char* BarFieldName(BarField field) { return kFieldNames[Index(field)]; }
 
+std::string DelimiterName(char delimiter) {
+  return delimiter == '\t' ? std::string("tab") : std::string("'") + delimiter + "'";
+}
+
+std::string DelimiterHint(std::string_view line, char delimiter) {
+  const char other = DetectDelimiter(line);
+  if (other == delimiter || line.find(other) == std::string_view::npos) return "";
+  return "; the line is split at " + DelimiterName(delimiter) + " but holds " +
+         DelimiterName(other) + ": set \"delimiter\" in the column map";
+}
+
 int SplitFields(std::string_view line, char delimiter, std::string_view* fields, int limit) {
   int count = 0;
   size_t at = 0;
@@ -318,7 +364,7 @@ int SplitFields(std::string_view line, char delimiter, std::string_view* fields,
       end = at;
       while (end > begin && IsBlank(line[end - 1])) --end;
     }
-    fields[count++] = line.substr(begin, end - begin);
+    fields[count++] = std::string_view(line.data() + begin, end - begin);
     if (at >= size) break;
     ++at;  // the delimiter
     if (delimiter == ' ') {

@@ -62,6 +62,14 @@ bool LooksLikeHeader(std::string_view firstLine, char delimiter);
 // The delimiter of `line`: the most frequent of ',', ';' and tab, else a space, else ','.
 char DetectDelimiter(std::string_view line);
 
+// How a message names a delimiter: "','", "';'", "tab", "' '".
+std::string DelimiterName(char delimiter);
+
+// A hint for a line split at `delimiter` into too few fields: when the line holds another
+// delimiter, "; the line is split at ',' but holds ';': set "delimiter" in the column map";
+// otherwise empty.
+std::string DelimiterHint(std::string_view line, char delimiter);
+
 // A value as a message quotes it: at most 40 characters, unprintable bytes as '?'.
 std::string Quoted(std::string_view value);
 

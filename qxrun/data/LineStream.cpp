@@ -13,6 +13,7 @@ LineStream::LineStream(const std::filesystem::path& file) : name_(file.string())
   if (std::filesystem::is_directory(file, error)) {
     throw InputError(name_ + ": cannot read the bar file: it is a folder");
   }
+  buffer_.resize(kBlockSize);
   file_ = std::fopen(name_.c_str(), "rb");
   if (file_ == nullptr) {
     throw InputError(name_ + ": cannot open the bar file: " + std::strerror(errno));
@@ -20,7 +21,6 @@ LineStream::LineStream(const std::filesystem::path& file) : name_(file.string())
   std::setvbuf(file_, nullptr, _IONBF, 0);  // the blocks are the buffer
   const auto size = std::filesystem::file_size(file, error);
   fileSize_ = error ? 0 : size;
-  buffer_.resize(kBlockSize);
 }
 
 LineStream::~LineStream() {

@@ -32,7 +32,7 @@ class LineStream {
   int64_t LineNumber() const { return lineNumber_; }
 
   // Bytes of the file not yet handed out as lines.
-  uint64_t BytesLeft() const { return fileSize_ - consumed_; }
+  uint64_t BytesLeft() const { return consumed_ < fileSize_ ? fileSize_ - consumed_ : 0; }
   uint64_t FileSize() const { return fileSize_; }
 
   // The average length of the lines handed out and of those waiting in the buffer, line ends

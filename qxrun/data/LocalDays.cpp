@@ -7,6 +7,8 @@ namespace qxrun {
 namespace {
 
 constexpr int64_t kSecondsPerDay = 86400;
+constexpr int64_t kLatestZone = 14 * 3600;    // UTC+14, the furthest east
+constexpr int64_t kEarliestZone = 12 * 3600;  // UTC-12, the furthest west
 
 // The zone's offset east of UTC, in seconds, at `seconds` since 1970 UTC.
 int64_t OffsetAt(int64_t seconds) {
@@ -20,27 +22,30 @@ int64_t OffsetAt(int64_t seconds) {
 
 void LocalDays::Enter(const CivilDate& date) {
   const int64_t wallMidnight = DaysFromCivil(date) * kSecondsPerDay;
-  // The offset in force at the local midnight: a guess from the instant that reads the same as
-  // UTC, corrected once.
-  const int64_t guess = OffsetAt(wallMidnight);
-  const int64_t before = OffsetAt(wallMidnight - guess);
-  const int64_t dayStart = wallMidnight - before;
-  const int64_t after = OffsetAt(dayStart + kSecondsPerDay - 1);
+  // Zones lie between UTC-12 and UTC+14, so the local day lies within these two instants, and
+  // no zone changes its offset twice within them. The offsets there are the day's offsets
+  // before and after any change; a change at the day's midnight is found like any other.
+  const int64_t early = wallMidnight - kLatestZone - 3600;
+  const int64_t late = wallMidnight + kSecondsPerDay + kEarliestZone + 3600;
+  const int64_t before = OffsetAt(early);
+  const int64_t after = OffsetAt(late);
   known_ = true;
   date_ = date;
   localMidnight_ = wallMidnight * 1000;
   offsetBefore_ = before * 1000;
   offsetAfter_ = after * 1000;
   if (before == after) return;
-  // The first second of the new offset, between the day's start and its end.
-  int64_t low = dayStart;  // has the offset `before`
-  int64_t high = dayStart + kSecondsPerDay - 1;
+  // The first second of the new offset.
+  int64_t low = early;  // has the offset `before`
+  int64_t high = late;  // has the offset `after`
   while (high - low > 1) {
     const int64_t middle = low + (high - low) / 2;
     (OffsetAt(middle) == before ? low : high) = middle;
   }
-  const int64_t wallOld = high + before - wallMidnight;  // the change read on the old clock
-  const int64_t wallNew = high + after - wallMidnight;   // and on the new one
+  // The change read on the old clock and on the new one, in seconds of this day; outside
+  // [0, 86400) when the change falls on the day before or after.
+  const int64_t wallOld = high + before - wallMidnight;
+  const int64_t wallNew = high + after - wallMidnight;
   earlyEdge_ = std::min(wallOld, wallNew) * 1000;
   lateEdge_ = std::max(wallOld, wallNew) * 1000;
 }

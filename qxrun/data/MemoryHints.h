@@ -1,0 +1,17 @@
+// Hints to the operating system about memory the loader is about to fill.
+#ifndef QXRUN_DATA_MEMORY_HINTS_H_
+#define QXRUN_DATA_MEMORY_HINTS_H_
+
+#include <cstddef>
+
+namespace qxrun {
+
+// Asks for the whole pages inside [begin, begin + bytes) to be mapped now, writable, in one call,
+// instead of one page fault per page as the bars are stored (on virtual machines each fault is a
+// costly exit to the hypervisor). Large spans are offered huge pages. Only a hint: where the
+// system cannot do it, the pages come one fault at a time as before.
+void PrepareForWriting(void* begin, size_t bytes);
+
+}  // namespace qxrun
+
+#endif  // QXRUN_DATA_MEMORY_HINTS_H_
