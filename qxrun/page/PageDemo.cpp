@@ -47,7 +47,7 @@ class SessionClock {
 
  private:
   void SkipWeekend() {
-    // 1970-01-01 was a Thursday: day 2 of a week counted from Saturday = 0.
+    // Counted from Saturday = 0 (1970-01-01, day 0, was a Thursday = 5), the weekend is below 2.
     while ((day_ / kDay + 5) % 7 < 2) {
       day_ += kDay;
     }

@@ -9,6 +9,7 @@
   const legend = document.getElementById('legend');
   const charts = window.LightweightCharts;
 
+  if (data.markers.length === 0) document.getElementById('marker-key').hidden = true;
   if (data.candles.length === 0) {
     container.classList.add('empty');
     container.textContent = 'No bars to draw.';
@@ -105,7 +106,7 @@
     markersByTime.set(m[0], list);
     return {
       time: m[0], position: style.position, shape: style.shape, color: style.color,
-      text: showTexts ? m[3] : '',
+      text: showTexts ? m[3] : '', size: showTexts ? 1 : 0.6,
     };
   }));
 

@@ -204,8 +204,11 @@ async function main() {
       requestAnimationFrame(done))));
 
     const chart = page.locator('#chart');
+    const box = await chart.count() === 1 ? await chart.boundingBox() : null;
     if (await chart.count() !== 1) {
       faults.push('the page has no #chart');
+    } else if (box === null || box.width < 1 || box.height < 1) {
+      faults.push('the chart looks blank: #chart has no area on the page');
     } else {
       const shot = await chart.screenshot({ timeout: 30000 });
       if (options.screenshot) fs.writeFileSync(options.screenshot, shot);
@@ -243,6 +246,8 @@ async function main() {
         faults.push(`statistics row '${key}' shows '${text}', expected ${number} (${source})`);
       }
     }
+  } catch (error) {
+    faults.push(`the check could not finish: ${error.message.split('\n')[0]}`);
   } finally {
     await context.close();
     fs.rmSync(profile, { recursive: true, force: true });
