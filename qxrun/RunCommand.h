@@ -1,0 +1,40 @@
+// `qxrun run`: load, run, report.
+#ifndef QXRUN_RUN_COMMAND_H_
+#define QXRUN_RUN_COMMAND_H_
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace qxrun {
+
+struct RunOptions {
+  std::vector<std::string> DataFiles;
+  std::string Formula;
+  std::vector<std::string> Params;
+  std::string RunFile;
+  std::string OutFolder;
+  std::optional<double> Capital;
+  std::optional<int> Lots;
+  bool Quiet = false;
+  bool Page = true;  // report.html with --out
+};
+
+// Seconds spent in each phase of a run.
+struct RunTimes {
+  double Load = 0.0;
+  double Run = 0.0;
+  double Write = 0.0;
+  double Page = 0.0;
+  long Bars = 0;
+};
+
+// Runs a back-test. Bad input throws InputError before anything is written. Returns the exit
+// code. `times`, when given, receives the time of each phase.
+int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err,
+               RunTimes* times = nullptr);
+
+}  // namespace qxrun
+
+#endif  // QXRUN_RUN_COMMAND_H_

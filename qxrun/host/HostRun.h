@@ -1,0 +1,50 @@
+// The one place that builds a host data object from loaded bar series and the run settings, and
+// steps a formula over the bars. Every mode of qxrun runs formulas through it.
+#ifndef QXRUN_HOST_HOST_RUN_H_
+#define QXRUN_HOST_HOST_RUN_H_
+
+#include "sysfuncs/sysfuncs.h"
+
+#include "qxrun/Formula.h"
+#include "qxrun/config/RunFile.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qxrun {
+
+// A formula instance over its data object. The data sources are not copied: the caller keeps
+// `sources` alive and unchanged while the instance lives.
+class HostInstance {
+ public:
+  HostInstance(std::vector<QXDataSource>& sources, const RunSettings& settings,
+               const std::string& formulaName);
+  HostInstance(const HostInstance&) = delete;
+  HostInstance& operator=(const HostInstance&) = delete;
+
+  // Called every `every` bars with the bars done so far.
+  using Progress = std::function<void(int32_t done, int32_t total)>;
+
+  // A back-test: the formula created once, its body run on every bar of the main series once,
+  // the bar checked out after each. The body runs as a chart run, so that plots are kept; the
+  // checkout runs in the settings' output mode, which decides the end-of-run settlement and the
+  // report block.
+  void Run(const FormulaSpec& spec, const std::map<std::string, double>& params,
+           const Progress& progress = {}, int32_t every = 65536);
+
+  CQXBaseData& Data() { return data_; }
+  const CQXBaseData& Data() const { return data_; }
+  const StrategyAccount& Account() const { return *data_.Account; }
+
+ private:
+  CQXBaseData data_;
+  int32_t outputMode_;
+};
+
+}  // namespace qxrun
+
+#endif  // QXRUN_HOST_HOST_RUN_H_

@@ -1,0 +1,25 @@
+#include "qxrun/host/ModuleSession.h"
+
+#include "sysfuncs/Module.h"
+#include "sysfuncs/Platform.h"
+
+namespace qxrun {
+
+ModuleSession::ModuleSession(MessageCentre& centre, CDataAdapter& adapter, std::string baseDir,
+                             std::string userId)
+    : adapter_(adapter), baseDir_(std::move(baseDir)), userId_(std::move(userId)) {
+  SysFuncs_SetPlatform(HostPlatform(centre));
+  SysFuncs_Init(nullptr, &adapter_, baseDir_.c_str(), userId_.c_str());
+}
+
+ModuleSession::~ModuleSession() {
+  SysFuncs_Exit();
+  // The stopped writer hands its last lines over when its task is released, which a new start
+  // of the module does; the new writer is stopped at once and holds nothing. Only then may the
+  // message centre go.
+  SysFuncs_Init(nullptr, &adapter_, baseDir_.c_str(), userId_.c_str());
+  SysFuncs_Exit();
+  SysFuncs_SetPlatform(SysFuncs_DefaultPlatform());
+}
+
+}  // namespace qxrun

@@ -1,0 +1,26 @@
+// The data of the report page, and the page written into the output folder.
+#ifndef QXRUN_REPORT_PAGE_BUILDER_H_
+#define QXRUN_REPORT_PAGE_BUILDER_H_
+
+#include "sysfuncs/HostData.h"
+
+#include "qxrun/page/ReportPage.h"
+#include "qxrun/report/Figures.h"
+#include "qxrun/report/OutputFolder.h"
+#include "qxrun/report/Tables.h"
+
+namespace qxrun {
+
+// The page's data: candles of the main series, the numeric plot series, the orders as markers,
+// equity and drawdown per bar, the statistics table (its keys are report.json's), the monthly
+// returns and the conventions of the figures.
+PageData BuildPageData(const RunHeading& heading, const RunFigures& figures,
+                       const CQXBaseData& data);
+
+// Writes report.html into the folder; true when written.
+bool WriteReportPageFile(OutputFolder& folder, const RunHeading& heading, const RunFigures& figures,
+                         const CQXBaseData& data);
+
+}  // namespace qxrun
+
+#endif  // QXRUN_REPORT_PAGE_BUILDER_H_

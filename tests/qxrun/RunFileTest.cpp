@@ -1,0 +1,155 @@
+// The run file and the formula parameters: every key lands in its setting, defaults stand for
+// what is missing, and the command line wins.
+#include "qxrun/InputError.h"
+#include "qxrun/QxrunProcess.h"
+#include "qxrun/config/RunFile.h"
+#include "qxrun/formulas/Bundled.h"
+
+#include <gtest/gtest.h>
+
+namespace qxrun_test {
+namespace {
+
+TEST(RunFileTest, EveryKeyReachesItsSetting) {
+  ScratchFolder folder;
+  const auto file = folder.Write("cfg/run.json", R"({
+    "symbols": [{
+      "file": "bars/a.csv", "market": 3, "code": "rb888", "name": "rebar",
+      "min_move": 2, "price_scale": 0.5, "contract_unit": 10, "big_point_value": 1.5,
+      "margin_kind": 5, "margin_ratio": 0.08, "sessions": "21:00-23:00,09:00-10:15",
+      "expiry": "2024-05-15", "currency": "USD", "currency_symbol": "$",
+      "tradable": false, "market_orders": false, "stop_orders": false, "short_selling": false,
+      "max_single_trade_size": 500,
+      "columns": {"delimiter": ";"},
+      "costs": {"margin_rate": 0.1, "commission_kind": "turnover", "commission": 0.5,
+                "no_entry_commission": true, "same_day_exit_free": true,
+                "slippage_kind": "ticks", "slippage": 2}
+    }, {"code": "other"}],
+    "strategy": {"initial_capital": 50000, "default_lots_mode": "money", "default_lots": 20000,
+                 "max_open_entries": 3, "max_position_lots": 7, "exits": "lifo",
+                 "percent_mode": true, "output_mode": 1},
+    "params": {"fast": 8},
+    "quotes": "q.json",
+    "user_dir": "profiles"
+  })");
+  const qxrun::RunSettings settings = qxrun::LoadRunFile(file);
+  ASSERT_EQ(settings.Symbols.size(), 2u);
+  const qxrun::SymbolSettings& symbol = settings.Symbols[0];
+  EXPECT_EQ(symbol.File, folder.Path() / "cfg/bars/a.csv");  // from the run file's folder
+  EXPECT_EQ(symbol.Columns.Delimiter, ';');
+  const qxrun::SymbolTerms& terms = symbol.Terms;
+  EXPECT_EQ(terms.Market, 3u);
+  EXPECT_EQ(terms.Code, "rb888");
+  EXPECT_EQ(terms.Name, "rebar");
+  EXPECT_EQ(terms.MinMove, 2);
+  EXPECT_EQ(terms.PriceScale, 0.5);
+  EXPECT_EQ(terms.ContractUnit, 10);
+  EXPECT_EQ(terms.BigPointValue, 1.5);
+  EXPECT_EQ(terms.MarginKind, 5);
+  EXPECT_EQ(terms.MarginRatio, 0.08);
+  EXPECT_EQ(terms.Sessions, "21:00-23:00,09:00-10:15,");  // 12-character items
+  EXPECT_EQ(terms.Expiry, "2024-05-15");
+  EXPECT_EQ(terms.Currency, "USD");
+  EXPECT_EQ(terms.CurrencySymbol, "$");
+  EXPECT_FALSE(terms.Tradable || terms.MarketOrders || terms.StopOrders || terms.ShortSelling);
+  EXPECT_EQ(terms.MaxSingleTradeSize, 500);
+  const CostSetting& costs = symbol.Costs;
+  EXPECT_EQ(costs.MarginRate, 0.1);
+  EXPECT_EQ(costs.CommissionKind, 2u);
+  EXPECT_EQ(costs.CommissionRate, 0.5);
+  EXPECT_TRUE(costs.NoEntryCommission && costs.SameDayExitFree);
+  EXPECT_EQ(costs.SlippageKind, 1u);
+  EXPECT_EQ(costs.Slippage, 2.0);
+  // The second symbol keeps every default.
+  EXPECT_EQ(settings.Symbols[1].Terms.MinMove, 1);
+  EXPECT_EQ(settings.Symbols[1].Costs.MarginRate, 1.0);
+  EXPECT_TRUE(settings.Symbols[1].File.empty());
+
+  const qxrun::StrategySettings& strategy = settings.Strategy;
+  EXPECT_EQ(strategy.InitCapital, 50000.0);
+  EXPECT_EQ(strategy.DefaultLotsMode, 2u);
+  EXPECT_EQ(strategy.DefaultLotsValue, 20000);
+  EXPECT_EQ(strategy.MaxOpenEntries, 3);
+  EXPECT_EQ(strategy.MaxPositionLots, 7);
+  EXPECT_TRUE(strategy.LifoExits);
+  EXPECT_TRUE(strategy.PercentMode);
+  EXPECT_EQ(strategy.OutputMode, 1);
+  EXPECT_EQ(settings.Params.at("fast"), 8.0);
+  EXPECT_EQ(settings.Quotes, folder.Path() / "cfg/q.json");
+  EXPECT_EQ(settings.UserDir, folder.Path() / "cfg/profiles");
+}
+
+TEST(RunFileTest, DataFilesReplaceTheRunFilesAndNameTheSymbols) {
+  qxrun::RunSettings settings = qxrun::DefaultRunSettings();
+  EXPECT_EQ(settings.Strategy.InitCapital, 1000000.0);
+  EXPECT_EQ(settings.Strategy.OutputMode, 2);
+  EXPECT_THROW(qxrun::ApplyDataFiles(settings, {}), qxrun::InputError);
+
+  qxrun::ApplyDataFiles(settings, {"data/IF888.csv", "x/rb.txt"});
+  ASSERT_EQ(settings.Symbols.size(), 2u);
+  EXPECT_EQ(settings.Symbols[0].Terms.Code, "IF888");
+  EXPECT_EQ(settings.Symbols[1].Terms.Code, "rb");
+
+  qxrun::RunSettings twoInFile;
+  twoInFile.Symbols.resize(2);
+  twoInFile.Symbols[0].File = "a.csv";
+  twoInFile.Symbols[0].Terms.Code = "kept";
+  twoInFile.Symbols[1].File = "c.csv";
+  qxrun::ApplyDataFiles(twoInFile, {"b.csv"});  // replaces the first only
+  EXPECT_EQ(twoInFile.Symbols[0].File, "b.csv");
+  EXPECT_EQ(twoInFile.Symbols[0].Terms.Code, "kept");
+  EXPECT_EQ(twoInFile.Symbols[1].File, "c.csv");
+  EXPECT_EQ(twoInFile.Symbols[1].Terms.Code, "c");
+  qxrun::RunSettings missing;
+  missing.Symbols.resize(2);
+  try {
+    qxrun::ApplyDataFiles(missing, {"b.csv"});
+    FAIL() << "the second symbol has no file";
+  } catch (const qxrun::InputError& error) {
+    EXPECT_STREQ(error.what(), "--data: symbol 1 has no bar file");
+  }
+}
+
+TEST(RunFileTest, SessionsMustBeClockRanges) {
+  EXPECT_EQ(qxrun::SessionItems("", "x"), "");
+  EXPECT_EQ(qxrun::SessionItems("00:00-24:00", "x"), "00:00-24:00,");
+  // The platform's own form, with its closing comma, reads the same.
+  EXPECT_EQ(qxrun::SessionItems("09:30-11:30,13:00-15:00,", "x"), "09:30-11:30,13:00-15:00,");
+  for (const char* bad :
+       {"9:30-11:30", "09:30-11:60", "09:30_11:30", "24:30-25:00", "09:30-11:30,,13:00-15:00"}) {
+    EXPECT_THROW(qxrun::SessionItems(bad, "x"), qxrun::InputError) << bad;
+  }
+}
+
+TEST(FormulaParameterTest, DefaultsThenRunFileThenCommandLine) {
+  const qxrun::FormulaSpec& spec = qxrun::MaCrossSpec();
+  auto values = qxrun::ResolveParameters(spec, {}, {});
+  EXPECT_EQ(values.at("fast"), 5.0);
+  EXPECT_EQ(values.at("slow"), 20.0);
+  values = qxrun::ResolveParameters(spec, {{"fast", 8}, {"slow", 30}}, {"slow=40"});
+  EXPECT_EQ(values.at("fast"), 8.0);
+  EXPECT_EQ(values.at("slow"), 40.0);
+  // The bounds are inclusive.
+  values = qxrun::ResolveParameters(spec, {}, {"fast=1", "slow=10000"});
+  EXPECT_EQ(values.at("fast"), 1.0);
+  EXPECT_EQ(values.at("slow"), 10000.0);
+  EXPECT_THROW(qxrun::ResolveParameters(spec, {}, {"slow=10001"}), qxrun::InputError);
+  EXPECT_THROW(qxrun::ResolveParameters(spec, {}, {"fast="}), qxrun::InputError);
+  EXPECT_THROW(qxrun::ResolveParameters(spec, {}, {"=3"}), qxrun::InputError);
+  // A fractional parameter takes fractions.
+  values = qxrun::ResolveParameters(qxrun::BreakoutSpec(), {}, {"stop=1.5"});
+  EXPECT_EQ(values.at("stop"), 1.5);
+}
+
+TEST(FormulaParameterTest, EveryBundledFormulaDefaultLiesInItsRange) {
+  for (const qxrun::FormulaSpec* spec : qxrun::BundledFormulas()) {
+    for (const qxrun::Parameter& parameter : spec->Parameters) {
+      EXPECT_GE(parameter.Default, parameter.Min) << spec->Name << " " << parameter.Name;
+      EXPECT_LE(parameter.Default, parameter.Max) << spec->Name << " " << parameter.Name;
+    }
+    EXPECT_NO_THROW(qxrun::ResolveParameters(*spec, {}, {})) << spec->Name;
+  }
+}
+
+}  // namespace
+}  // namespace qxrun_test
