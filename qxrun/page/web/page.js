@@ -27,7 +27,7 @@
     { position: 'aboveBar', shape: 'circle', color: '#8e24aa' },
   ];
   // Beyond this many markers their texts would cover the candles: the legend shows them instead.
-  const maxMarkerTexts = 150;
+  const maxMarkerTexts = 40;
   const priceHeight = 380;
   const paneHeight = 140;
 
