@@ -11,7 +11,9 @@
 #include <cstdlib>
 #include <new>
 
-void* operator new(std::size_t size) {
+namespace {
+
+void* Allocate(std::size_t size) {
   const std::size_t bytes = size == 0 ? 1 : size;
   for (;;) {
     if (void* memory = std::malloc(bytes)) {
@@ -24,6 +26,30 @@ void* operator new(std::size_t size) {
   }
 }
 
-// Paired with operator new above: malloc and free.
+void* AllocateOrNull(std::size_t size) noexcept {
+  try {
+    return Allocate(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+// Every form without an alignment is replaced, so that each block is allocated and freed by the
+// same pair, malloc and free, whichever form made it (a sorting buffer comes from the nothrow
+// form, for one).
+void* operator new(std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return Allocate(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return AllocateOrNull(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return AllocateOrNull(size);
+}
 void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+void operator delete(void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
+void operator delete[](void* memory, const std::nothrow_t&) noexcept { std::free(memory); }
