@@ -3,12 +3,11 @@
 #include "sysfuncs/sysfuncs.h"
 
 #include "BenchMain.h"
+#include "MinuteHost.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdint>
 #include <cstring>
-#include <vector>
 
 namespace {
 
@@ -30,25 +29,8 @@ class ContractAdapter : public CDataAdapter {
 };
 
 // A host with two one-minute series, both cached after the first read.
-struct Host {
-  Host() {
-    for (const char* code : {"rb2410", "hc2410"}) {
-      QXDataSource source;
-      source.Symbol = code;
-      source.BarType = 1;
-      source.BarInterval = 1;
-      for (int64_t i = 0; i < 100; ++i) source.Bars.push_back(QXBar{1750000000000 + i * 60000});
-      sources.push_back(source);
-      data.SourceInfos.emplace_back();
-      data.CostSettings.emplace_back();
-      data.Ledgers.emplace_back();
-    }
-    data.DataSources = &sources;
-    data.DataCount = 2;
-    data.BarCount = 100;
-  }
-  std::vector<QXDataSource> sources;
-  CQXBaseData data;
+struct Host : MinuteHost {
+  Host() : MinuteHost({"rb2410", "hc2410"}) {}
 };
 
 void BigPointValueDataSource0(benchmark::State& state) {

@@ -4,11 +4,9 @@
 
 #include "AllocationCounter.h"
 #include "BenchMain.h"
+#include "MinuteHost.h"
 
 #include <benchmark/benchmark.h>
-
-#include <cstdint>
-#include <vector>
 
 namespace {
 
@@ -41,26 +39,12 @@ class LiveAdapter : public CDataAdapter {
   }
 };
 
-// A host on the last bar of a one-minute series, bound to an account.
-struct Host {
-  Host() {
-    QXDataSource source;
-    source.Symbol = "rb2410";
-    source.BarType = 1;
-    source.BarInterval = 1;
-    for (int64_t i = 0; i < 100; ++i) source.Bars.push_back(QXBar{1750000000000 + i * 60000});
-    sources.push_back(source);
-    data.SourceInfos.emplace_back();
-    data.CostSettings.emplace_back();
-    data.Ledgers.emplace_back();
-    data.DataSources = &sources;
-    data.DataCount = 1;
-    data.BarCount = 100;
+// A host on one one-minute series, bound to an account.
+struct Host : MinuteHost {
+  Host() : MinuteHost({"rb2410"}) {
     data.BrokerID = "8|abc";
     data.AccountID = "10086";
   }
-  std::vector<QXDataSource> sources;
-  CQXBaseData data;
 };
 
 // Fills the cache as a formula reading every figure would, so a look-up searches a full map.

@@ -84,11 +84,11 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err, 
     settings.Strategy.DefaultLotsValue = *options.Lots;
   }
   std::unique_ptr<FormulaLibrary> library;
-  const FormulaSpec& spec = FindFormula(options.Formula, library);
+  const FormulaInfo& info = FindFormula(options.Formula, library);
   const std::map<std::string, double> params =
-      ResolveParameters(spec, settings.Params, options.Params);
-  if (static_cast<int32_t>(settings.Symbols.size()) < spec.DataSources) {
-    throw InputError("--data: " + spec.Name + " needs " + std::to_string(spec.DataSources) +
+      ResolveParameters(info, settings.Params, options.Params);
+  if (static_cast<int32_t>(settings.Symbols.size()) < info.DataSources) {
+    throw InputError("--data: " + info.Name + " needs " + std::to_string(info.DataSources) +
                      " bar files, " + std::to_string(settings.Symbols.size()) + " given");
   }
   std::optional<OutputFolder> folder;
@@ -115,12 +115,12 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err, 
       settings.UserDir.empty() ? DefaultUserDir() : settings.UserDir;
   MessageCentre centre(folder ? folder->Path() : std::filesystem::current_path());
   FileAdapter adapter(settings.Symbols, std::move(quotes), userDir);
-  HostInstance instance(sources, settings, spec.Name);
+  HostInstance instance(sources, settings, info.Name);
   {
     const char* user = std::getenv("USER");
     ModuleSession module(centre, adapter, userDir.string(), user != nullptr ? user : "qxrun");
     ProgressBar progress(!options.Quiet);
-    instance.Run(spec, params, [&progress](int32_t done, int32_t total) { progress(done, total); });
+    instance.Run(info, params, [&progress](int32_t done, int32_t total) { progress(done, total); });
   }
   const double runSeconds = SecondsSince(runStart);
 
@@ -135,7 +135,7 @@ int RunCommand(const RunOptions& options, std::ostream& out, std::ostream& err, 
   const RunFigures figures =
       ComputeFigures(sources, lotValues, account, settings.Strategy.InitCapital);
   RunHeading heading;
-  heading.Formula = spec.Name;
+  heading.Formula = info.Name;
   heading.Params.assign(params.begin(), params.end());
   for (size_t i = 0; i < sources.size(); ++i) {
     heading.Files.push_back(settings.Symbols[i].File.string());

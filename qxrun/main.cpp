@@ -15,9 +15,9 @@ namespace {
 constexpr const char* kVersion = "0.1.0";
 
 void ListFormulas() {
-  for (const qxrun::FormulaSpec* spec : qxrun::BundledFormulas()) {
-    std::printf("%s  -  %s\n", spec->Name.c_str(), spec->Summary.c_str());
-    for (const qxrun::Parameter& parameter : spec->Parameters) {
+  for (const qxrun::FormulaInfo* info : qxrun::BundledFormulas()) {
+    std::printf("%s  -  %s\n", info->Name.c_str(), info->Summary.c_str());
+    for (const qxrun::Parameter& parameter : info->Parameters) {
       std::printf("    %-12s default %-8g range [%g, %g]%s  %s\n", parameter.Name.c_str(),
                   parameter.Default, parameter.Min, parameter.Max,
                   parameter.Integral ? " whole" : "", parameter.Help.c_str());

@@ -29,7 +29,7 @@ class Reversal : public qxrun::Formula {
   qxrun::NumericSeries closes_;
 };
 
-const qxrun::FormulaSpec kFormulas[] = {
+const qxrun::FormulaInfo kFormulas[] = {
     {qxrun::kFormulaInterfaceVersion,
      "reversal",
      "buys after a run of lower closes, sells some bars later",
@@ -42,7 +42,7 @@ const qxrun::FormulaSpec kFormulas[] = {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) const qxrun::FormulaSpec* qxrun_formulas(
+extern "C" __attribute__((visibility("default"))) const qxrun::FormulaInfo* qxrun_formulas(
     int* count) {
   *count = static_cast<int>(sizeof(kFormulas) / sizeof(kFormulas[0]));
   return kFormulas;

@@ -87,8 +87,8 @@ class Breakout : public Formula {
 
 }  // namespace
 
-const FormulaSpec& BreakoutSpec() {
-  static const FormulaSpec spec = {
+const FormulaInfo& BreakoutInfo() {
+  static const FormulaInfo info = {
       kFormulaInterfaceVersion,
       "breakout",
       "channel breakout with a protective stop and a partial exit at a profit target",
@@ -101,7 +101,7 @@ const FormulaSpec& BreakoutSpec() {
       [](FormulaContext& context) -> std::unique_ptr<Formula> {
         return std::make_unique<Breakout>(context);
       }};
-  return spec;
+  return info;
 }
 
 }  // namespace qxrun

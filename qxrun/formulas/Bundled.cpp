@@ -16,29 +16,29 @@ std::string FormatNumber(double value) {
   return std::string(text, result.ptr);
 }
 
-void CheckValue(const FormulaSpec& spec, const Parameter& parameter, double value,
+void CheckValue(const FormulaInfo& info, const Parameter& parameter, double value,
                 const std::string& where) {
   if (parameter.Integral && value != std::floor(value)) {
-    throw InputError(where + ": parameter " + parameter.Name + " of " + spec.Name +
+    throw InputError(where + ": parameter " + parameter.Name + " of " + info.Name +
                      " takes whole numbers, not " + FormatNumber(value));
   }
   if (value < parameter.Min || value > parameter.Max) {
-    throw InputError(where + ": parameter " + parameter.Name + " of " + spec.Name +
+    throw InputError(where + ": parameter " + parameter.Name + " of " + info.Name +
                      " must lie in [" + FormatNumber(parameter.Min) + ", " +
                      FormatNumber(parameter.Max) + "], not " + FormatNumber(value));
   }
 }
 
-const Parameter* FindParameter(const FormulaSpec& spec, const std::string& name) {
-  for (const Parameter& parameter : spec.Parameters) {
+const Parameter* FindParameter(const FormulaInfo& info, const std::string& name) {
+  for (const Parameter& parameter : info.Parameters) {
     if (parameter.Name == name) return &parameter;
   }
   return nullptr;
 }
 
-std::string ParameterNames(const FormulaSpec& spec) {
+std::string ParameterNames(const FormulaInfo& info) {
   std::string names;
-  for (const Parameter& parameter : spec.Parameters) {
+  for (const Parameter& parameter : info.Parameters) {
     names += (names.empty() ? "" : ", ") + parameter.Name;
   }
   return names.empty() ? "none" : names;
@@ -46,9 +46,9 @@ std::string ParameterNames(const FormulaSpec& spec) {
 
 }  // namespace
 
-const std::vector<const FormulaSpec*>& BundledFormulas() {
-  static const std::vector<const FormulaSpec*> formulas = {
-      &MaCrossSpec(), &BreakoutSpec(), &SpreadSpec(), &ChannelPlotSpec(), &MomentumPickSpec()};
+const std::vector<const FormulaInfo*>& BundledFormulas() {
+  static const std::vector<const FormulaInfo*> formulas = {
+      &MaCrossInfo(), &BreakoutInfo(), &SpreadInfo(), &ChannelPlotInfo(), &MomentumPickInfo()};
   return formulas;
 }
 
@@ -66,14 +66,14 @@ FormulaLibrary::FormulaLibrary(const std::filesystem::path& file) {
     throw InputError(where + ": exports no qxrun_formulas factory");
   }
   int count = 0;
-  const FormulaSpec* specs = factory(&count);
+  const FormulaInfo* infos = factory(&count);
   for (int i = 0; i < count; ++i) {
-    if (specs[i].InterfaceVersion != kFormulaInterfaceVersion || specs[i].Create == nullptr) {
+    if (infos[i].InterfaceVersion != kFormulaInterfaceVersion || infos[i].Create == nullptr) {
       dlclose(handle_);
       throw InputError(where + ": formula " + std::to_string(i) +
                        " was built against another formula interface");
     }
-    formulas_.push_back(&specs[i]);
+    formulas_.push_back(&infos[i]);
   }
   if (formulas_.empty()) {
     dlclose(handle_);
@@ -85,15 +85,15 @@ FormulaLibrary::~FormulaLibrary() {
   if (handle_ != nullptr) dlclose(handle_);
 }
 
-const FormulaSpec& FindFormula(const std::string& name, std::unique_ptr<FormulaLibrary>& library) {
+const FormulaInfo& FindFormula(const std::string& name, std::unique_ptr<FormulaLibrary>& library) {
   const size_t so = name.find(".so");
   if (so == std::string::npos) {
-    for (const FormulaSpec* spec : BundledFormulas()) {
-      if (spec->Name == name) return *spec;
+    for (const FormulaInfo* info : BundledFormulas()) {
+      if (info->Name == name) return *info;
     }
     std::string names;
-    for (const FormulaSpec* spec : BundledFormulas())
-      names += (names.empty() ? "" : ", ") + spec->Name;
+    for (const FormulaInfo* info : BundledFormulas())
+      names += (names.empty() ? "" : ", ") + info->Name;
     throw InputError("--formula " + name + ": unknown formula (bundled: " + names +
                      "; or a PATH.so)");
   }
@@ -106,25 +106,25 @@ const FormulaSpec& FindFormula(const std::string& name, std::unique_ptr<FormulaL
   }
   library = std::make_unique<FormulaLibrary>(path);
   if (member.empty()) return *library->Formulas().front();
-  for (const FormulaSpec* spec : library->Formulas()) {
-    if (spec->Name == member) return *spec;
+  for (const FormulaInfo* info : library->Formulas()) {
+    if (info->Name == member) return *info;
   }
   throw InputError("--formula " + name + ": " + path + " holds no formula named " + member);
 }
 
-std::map<std::string, double> ResolveParameters(const FormulaSpec& spec,
+std::map<std::string, double> ResolveParameters(const FormulaInfo& info,
                                                 const std::map<std::string, double>& fileParams,
                                                 const std::vector<std::string>& commandLine) {
   std::map<std::string, double> values;
-  for (const Parameter& parameter : spec.Parameters) values[parameter.Name] = parameter.Default;
+  for (const Parameter& parameter : info.Parameters) values[parameter.Name] = parameter.Default;
   for (const auto& [name, value] : fileParams) {
-    const Parameter* parameter = FindParameter(spec, name);
+    const Parameter* parameter = FindParameter(info, name);
     const std::string where = "run file: /params/" + name;
     if (parameter == nullptr) {
-      throw InputError(where + ": " + spec.Name + " has no parameter " + name + " (it has " +
-                       ParameterNames(spec) + ")");
+      throw InputError(where + ": " + info.Name + " has no parameter " + name + " (it has " +
+                       ParameterNames(info) + ")");
     }
-    CheckValue(spec, *parameter, value, where);
+    CheckValue(info, *parameter, value, where);
     values[name] = value;
   }
   for (const std::string& text : commandLine) {
@@ -135,10 +135,10 @@ std::map<std::string, double> ResolveParameters(const FormulaSpec& spec,
     const std::string name = text.substr(0, equals);
     const std::string valueText = text.substr(equals + 1);
     const std::string where = "--param " + name;
-    const Parameter* parameter = FindParameter(spec, name);
+    const Parameter* parameter = FindParameter(info, name);
     if (parameter == nullptr) {
-      throw InputError(where + ": " + spec.Name + " has no parameter " + name + " (it has " +
-                       ParameterNames(spec) + ")");
+      throw InputError(where + ": " + info.Name + " has no parameter " + name + " (it has " +
+                       ParameterNames(info) + ")");
     }
     double value = 0.0;
     const char* end = valueText.data() + valueText.size();
@@ -147,7 +147,7 @@ std::map<std::string, double> ResolveParameters(const FormulaSpec& spec,
         !std::isfinite(value)) {
       throw InputError(where + ": \"" + valueText + "\" is not a number");
     }
-    CheckValue(spec, *parameter, value, where);
+    CheckValue(info, *parameter, value, where);
     values[name] = value;
   }
   return values;

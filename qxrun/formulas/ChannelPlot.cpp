@@ -36,8 +36,8 @@ class ChannelPlot : public Formula {
 
 }  // namespace
 
-const FormulaSpec& ChannelPlotSpec() {
-  static const FormulaSpec spec = {
+const FormulaInfo& ChannelPlotInfo() {
+  static const FormulaInfo info = {
       kFormulaInterfaceVersion,
       "channel",
       "indicator: price channel of the last bars (plots only, no orders)",
@@ -46,7 +46,7 @@ const FormulaSpec& ChannelPlotSpec() {
       [](FormulaContext& context) -> std::unique_ptr<Formula> {
         return std::make_unique<ChannelPlot>(context);
       }};
-  return spec;
+  return info;
 }
 
 }  // namespace qxrun

@@ -55,8 +55,8 @@ class MaCross : public Formula {
 
 }  // namespace
 
-const FormulaSpec& MaCrossSpec() {
-  static const FormulaSpec spec = {
+const FormulaInfo& MaCrossInfo() {
+  static const FormulaInfo info = {
       kFormulaInterfaceVersion,
       "ma_cross",
       "moving-average crossover, always in the market: long above, short below",
@@ -66,7 +66,7 @@ const FormulaSpec& MaCrossSpec() {
       [](FormulaContext& context) -> std::unique_ptr<Formula> {
         return std::make_unique<MaCross>(context);
       }};
-  return spec;
+  return info;
 }
 
 }  // namespace qxrun

@@ -35,8 +35,8 @@ class MomentumPick : public Formula {
 
 }  // namespace
 
-const FormulaSpec& MomentumPickSpec() {
-  static const FormulaSpec spec = {
+const FormulaInfo& MomentumPickInfo() {
+  static const FormulaInfo info = {
       kFormulaInterfaceVersion,
       "momentum_pick",
       "stock picker: holds the symbols with the best rate of change (for pools)",
@@ -46,7 +46,7 @@ const FormulaSpec& MomentumPickSpec() {
       [](FormulaContext& context) -> std::unique_ptr<Formula> {
         return std::make_unique<MomentumPick>(context);
       }};
-  return spec;
+  return info;
 }
 
 }  // namespace qxrun

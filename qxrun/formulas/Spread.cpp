@@ -83,8 +83,8 @@ class Spread : public Formula {
 
 }  // namespace
 
-const FormulaSpec& SpreadSpec() {
-  static const FormulaSpec spec = {
+const FormulaInfo& SpreadInfo() {
+  static const FormulaInfo info = {
       kFormulaInterfaceVersion,
       "spread",
       "two-series spread against its mean (needs two --data files)",
@@ -97,7 +97,7 @@ const FormulaSpec& SpreadSpec() {
       [](FormulaContext& context) -> std::unique_ptr<Formula> {
         return std::make_unique<Spread>(context);
       }};
-  return spec;
+  return info;
 }
 
 }  // namespace qxrun

@@ -30,7 +30,7 @@ HostInstance::HostInstance(std::vector<QXDataSource>& sources, const RunSettings
   data_.FormulaName = formulaName;
 }
 
-void HostInstance::Run(const FormulaSpec& spec, const std::map<std::string, double>& params,
+void HostInstance::Run(const FormulaInfo& info, const std::map<std::string, double>& params,
                        const Progress& progress, int32_t every) {
   const int32_t bars = data_.BarCount;
   if (bars == 0) return;
@@ -38,7 +38,7 @@ void HostInstance::Run(const FormulaSpec& spec, const std::map<std::string, doub
   data_.CurrentBar = 0;
   CSystemFuncs funcs(&data_);
   FormulaContext context(&data_, params);
-  std::unique_ptr<Formula> formula = spec.Create(context);
+  std::unique_ptr<Formula> formula = info.Create(context);
   int32_t nextReport = every;
   for (int32_t bar = 0; bar < bars; ++bar) {
     data_.CurrentData = 0;

@@ -33,7 +33,7 @@ class HostInstance {
   // the bar checked out after each. The body runs as a chart run, so that plots are kept; the
   // checkout runs in the settings' output mode, which decides the end-of-run settlement and the
   // report block.
-  void Run(const FormulaSpec& spec, const std::map<std::string, double>& params,
+  void Run(const FormulaInfo& info, const std::map<std::string, double>& params,
            const Progress& progress = {}, int32_t every = 65536);
 
   CQXBaseData& Data() { return data_; }

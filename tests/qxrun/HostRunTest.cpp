@@ -65,7 +65,7 @@ class Probe : public qxrun::Formula {
   qxrun::NumericSeries closes_;
 };
 
-qxrun::FormulaSpec ProbeSpec() {
+qxrun::FormulaInfo ProbeInfo() {
   return {qxrun::kFormulaInterfaceVersion,
           "probe",
           "records what it sees",
@@ -95,7 +95,7 @@ TEST(HostRunTest, EveryBarOnceWithItsCheckoutAndSeriesInTheDataObject) {
   {
     qxrun::ModuleSession session(centre, adapter, folder.Path().string(), "test");
     instance.Run(
-        ProbeSpec(), {{"lots", 3}},
+        ProbeInfo(), {{"lots", 3}},
         [&progress](int32_t done, int32_t total) { progress.push_back(done * 10 + total); }, 2);
   }
   g_seen = nullptr;

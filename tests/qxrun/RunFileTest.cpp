@@ -122,32 +122,32 @@ TEST(RunFileTest, SessionsMustBeClockRanges) {
 }
 
 TEST(FormulaParameterTest, DefaultsThenRunFileThenCommandLine) {
-  const qxrun::FormulaSpec& spec = qxrun::MaCrossSpec();
-  auto values = qxrun::ResolveParameters(spec, {}, {});
+  const qxrun::FormulaInfo& info = qxrun::MaCrossInfo();
+  auto values = qxrun::ResolveParameters(info, {}, {});
   EXPECT_EQ(values.at("fast"), 5.0);
   EXPECT_EQ(values.at("slow"), 20.0);
-  values = qxrun::ResolveParameters(spec, {{"fast", 8}, {"slow", 30}}, {"slow=40"});
+  values = qxrun::ResolveParameters(info, {{"fast", 8}, {"slow", 30}}, {"slow=40"});
   EXPECT_EQ(values.at("fast"), 8.0);
   EXPECT_EQ(values.at("slow"), 40.0);
   // The bounds are inclusive.
-  values = qxrun::ResolveParameters(spec, {}, {"fast=1", "slow=10000"});
+  values = qxrun::ResolveParameters(info, {}, {"fast=1", "slow=10000"});
   EXPECT_EQ(values.at("fast"), 1.0);
   EXPECT_EQ(values.at("slow"), 10000.0);
-  EXPECT_THROW(qxrun::ResolveParameters(spec, {}, {"slow=10001"}), qxrun::InputError);
-  EXPECT_THROW(qxrun::ResolveParameters(spec, {}, {"fast="}), qxrun::InputError);
-  EXPECT_THROW(qxrun::ResolveParameters(spec, {}, {"=3"}), qxrun::InputError);
+  EXPECT_THROW(qxrun::ResolveParameters(info, {}, {"slow=10001"}), qxrun::InputError);
+  EXPECT_THROW(qxrun::ResolveParameters(info, {}, {"fast="}), qxrun::InputError);
+  EXPECT_THROW(qxrun::ResolveParameters(info, {}, {"=3"}), qxrun::InputError);
   // A fractional parameter takes fractions.
-  values = qxrun::ResolveParameters(qxrun::BreakoutSpec(), {}, {"stop=1.5"});
+  values = qxrun::ResolveParameters(qxrun::BreakoutInfo(), {}, {"stop=1.5"});
   EXPECT_EQ(values.at("stop"), 1.5);
 }
 
 TEST(FormulaParameterTest, EveryBundledFormulaDefaultLiesInItsRange) {
-  for (const qxrun::FormulaSpec* spec : qxrun::BundledFormulas()) {
-    for (const qxrun::Parameter& parameter : spec->Parameters) {
-      EXPECT_GE(parameter.Default, parameter.Min) << spec->Name << " " << parameter.Name;
-      EXPECT_LE(parameter.Default, parameter.Max) << spec->Name << " " << parameter.Name;
+  for (const qxrun::FormulaInfo* info : qxrun::BundledFormulas()) {
+    for (const qxrun::Parameter& parameter : info->Parameters) {
+      EXPECT_GE(parameter.Default, parameter.Min) << info->Name << " " << parameter.Name;
+      EXPECT_LE(parameter.Default, parameter.Max) << info->Name << " " << parameter.Name;
     }
-    EXPECT_NO_THROW(qxrun::ResolveParameters(*spec, {}, {})) << spec->Name;
+    EXPECT_NO_THROW(qxrun::ResolveParameters(*info, {}, {})) << info->Name;
   }
 }
 

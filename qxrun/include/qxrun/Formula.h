@@ -11,9 +11,9 @@
 //
 // A shared object adds formulas by exporting the factory function:
 //
-//   extern "C" const qxrun::FormulaSpec* qxrun_formulas(int* count);
+//   extern "C" const qxrun::FormulaInfo* qxrun_formulas(int* count);
 //
-// which returns an array of `count` specs that live as long as the shared object.
+// which returns an array of `count` formula descriptions that live as long as the shared object.
 #ifndef QXRUN_FORMULA_H_
 #define QXRUN_FORMULA_H_
 
@@ -173,7 +173,7 @@ class Formula {
 };
 
 // A formula as the host lists and creates it.
-struct FormulaSpec {
+struct FormulaInfo {
   int InterfaceVersion = kFormulaInterfaceVersion;
   std::string Name;
   std::string Summary;
@@ -186,7 +186,7 @@ struct FormulaSpec {
 
 // The factory a formula shared object exports.
 extern "C" {
-using QxrunFormulasFunction = const qxrun::FormulaSpec* (*)(int* count);
+using QxrunFormulasFunction = const qxrun::FormulaInfo* (*)(int* count);
 }
 
 #endif  // QXRUN_FORMULA_H_
