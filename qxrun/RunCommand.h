@@ -2,24 +2,11 @@
 #ifndef QXRUN_RUN_COMMAND_H_
 #define QXRUN_RUN_COMMAND_H_
 
-#include <optional>
+#include "qxrun/RunInputs.h"
+
 #include <ostream>
-#include <string>
-#include <vector>
 
 namespace qxrun {
-
-struct RunOptions {
-  std::vector<std::string> DataFiles;
-  std::string Formula;
-  std::vector<std::string> Params;
-  std::string RunFile;
-  std::string OutFolder;
-  std::optional<double> Capital;
-  std::optional<int> Lots;
-  bool Quiet = false;
-  bool Page = true;  // report.html with --out
-};
 
 // Seconds spent in each phase of a run.
 struct RunTimes {

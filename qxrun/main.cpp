@@ -1,29 +1,16 @@
 // qxrun: runs strategy formulas on bar files with libsysfuncs and reports the results.
-#include "sysfuncs/sysfuncs.h"
-
+#include "qxrun/Cli.h"
 #include "qxrun/InputError.h"
-#include "qxrun/RunCommand.h"
-#include "qxrun/formulas/Bundled.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <vector>
 
 namespace {
 
 constexpr const char* kVersion = "0.1.0";
-
-void ListFormulas() {
-  for (const qxrun::FormulaInfo* info : qxrun::BundledFormulas()) {
-    std::printf("%s  -  %s\n", info->Name.c_str(), info->Summary.c_str());
-    for (const qxrun::Parameter& parameter : info->Parameters) {
-      std::printf("    %-12s default %-8g range [%g, %g]%s  %s\n", parameter.Name.c_str(),
-                  parameter.Default, parameter.Min, parameter.Max,
-                  parameter.Integral ? " whole" : "", parameter.Help.c_str());
-    }
-  }
-}
 
 }  // namespace
 
@@ -31,24 +18,10 @@ int main(int argc, char** argv) {
   CLI::App app{"qxrun: run trading-strategy formulas on bar files and report the results"};
   app.set_version_flag("--version", std::string("qxrun ") + kVersion);
   app.require_subcommand(1);
-
-  qxrun::RunOptions options;
-  CLI::App* run = app.add_subcommand("run", "back-test a formula: every bar once");
-  run->add_option("--data", options.DataFiles, "bar file (CSV); repeat for more data sources");
-  run->add_option("--formula", options.Formula, "bundled formula name, or PATH.so[:NAME]")
-      ->required();
-  run->add_option("--param", options.Params, "formula parameter name=value; repeatable");
-  run->add_option("--config", options.RunFile, "run file (JSON): contract terms, costs, settings");
-  run->add_option("--out", options.OutFolder,
-                  "output folder: report.json, equity.csv, trades.csv, orders.csv, plots.csv, "
-                  "report.html");
-  run->add_option("--capital", options.Capital, "initial capital (overrides the run file)");
-  run->add_option("--lots", options.Lots, "default lots (overrides the run file)");
-  run->add_flag("--quiet", options.Quiet, "print nothing but errors");
-  bool noPage = false;
-  run->add_flag("--no-page", noPage, "write no report.html");
-
-  app.add_subcommand("formulas", "list the bundled formulas and their parameters");
+  const std::vector<qxrun::Command> commands = {
+      qxrun::AddRunCommand(app),
+      qxrun::AddFormulasCommand(app),
+  };
 
   try {
     app.parse(argc, argv);
@@ -62,12 +35,10 @@ int main(int argc, char** argv) {
   }
 
   try {
-    if (app.got_subcommand("formulas")) {
-      ListFormulas();
-      return 0;
+    for (const qxrun::Command& command : commands) {
+      if (command.App->parsed()) return command.Run(std::cout, std::cerr);
     }
-    options.Page = !noPage;
-    return qxrun::RunCommand(options, std::cout, std::cerr);
+    return 2;
   } catch (const qxrun::InputError& error) {
     std::fprintf(stderr, "qxrun: %s\n", error.what());
     return 2;
