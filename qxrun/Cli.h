@@ -24,6 +24,8 @@ void AddRunOptions(CLI::App& command, RunOptions& options);
 // `qxrun run` (RunCommand.cpp) and `qxrun formulas` (FormulasCommand.cpp).
 Command AddRunCommand(CLI::App& app);
 Command AddFormulasCommand(CLI::App& app);
+// `qxrun replay` (replay/ReplayCommand.cpp).
+Command AddReplayCommand(CLI::App& app);
 
 }  // namespace qxrun
 

@@ -48,7 +48,8 @@ std::string ParameterNames(const FormulaInfo& info) {
 
 const std::vector<const FormulaInfo*>& BundledFormulas() {
   static const std::vector<const FormulaInfo*> formulas = {
-      &MaCrossInfo(), &BreakoutInfo(), &SpreadInfo(), &ChannelPlotInfo(), &MomentumPickInfo()};
+      &MaCrossInfo(), &BreakoutInfo(), &SpreadInfo(), &ChannelPlotInfo(), &MomentumPickInfo(),
+      &LiveQuotesInfo()};
   return formulas;
 }
 

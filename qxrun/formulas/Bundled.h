@@ -18,6 +18,7 @@ const FormulaInfo& BreakoutInfo();
 const FormulaInfo& SpreadInfo();
 const FormulaInfo& ChannelPlotInfo();
 const FormulaInfo& MomentumPickInfo();
+const FormulaInfo& LiveQuotesInfo();
 
 // Every bundled formula, in the order `qxrun formulas` lists them.
 const std::vector<const FormulaInfo*>& BundledFormulas();

@@ -131,10 +131,47 @@ bool FileAdapter::GetSymbolProperty(const tagSymbol& symbol, Quill::ICodePropert
 }
 
 int FileAdapter::GetMarketQuote(const tagSymbol& symbol, Quill::ITickDeepLevel& quote) {
+  if (live_ != nullptr && live_->GetMarketQuote(symbol, quote) != 0) return 1;
   const auto found = quotes_.find(symbol.Code);
   if (found == quotes_.end()) return 0;
   quote = found->second;
   return 1;
+}
+
+void FileAdapter::GetICodeID(const tagSymbol& symbol, Quill::ICodeID& codeId) {
+  GetICodeID(symbol.MarketId, symbol.Code, codeId);
+}
+
+void FileAdapter::GetICodeID(int marketId, const std::string& code, Quill::ICodeID& codeId) {
+  codeId = Quill::ICodeID{};
+  codeId.MarketId = marketId;
+  codeId.Code = code;
+}
+
+int FileAdapter::GetAccountSummary(int brokerNo, const std::string& accountId,
+                                   Quill::ITradeAcctSummary& summary) {
+  return live_ != nullptr ? live_->GetAccountSummary(brokerNo, accountId, summary) : 0;
+}
+
+int FileAdapter::GetPosition(int brokerNo, const std::string& accountId,
+                             const Quill::ICodeID& codeId, Quill::ITradePosition& position) {
+  return live_ != nullptr ? live_->GetPosition(brokerNo, accountId, codeId, position) : 0;
+}
+
+int FileAdapter::GetOrders(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                           std::vector<Quill::ITradeOrder>& orders) {
+  return live_ != nullptr ? live_->GetOrders(brokerNo, accountId, codeId, orders) : 0;
+}
+
+int FileAdapter::GetOpenOrders(int brokerNo, const std::string& accountId,
+                               const Quill::ICodeID& codeId,
+                               std::vector<Quill::ITradeOrder>& orders) {
+  return live_ != nullptr ? live_->GetOpenOrders(brokerNo, accountId, codeId, orders) : 0;
+}
+
+int FileAdapter::CancelOrder(int brokerNo, const std::string& accountId,
+                             const Quill::ICodeID& codeId, const std::string& contractNo) {
+  return live_ != nullptr ? live_->CancelOrder(brokerNo, accountId, codeId, contractNo) : 0;
 }
 
 bool FileAdapter::GetConfigFileProperty(const std::string& store, const std::string& section,

@@ -38,12 +38,31 @@ class FileAdapter : public CDataAdapter {
   void SetConfigFileProperty(const std::string& store, const std::string& section,
                              const std::string& key, const std::string& value) override;
 
+  // The instrument identity: the symbol's market and code.
+  void GetICodeID(const tagSymbol& symbol, Quill::ICodeID& codeId) override;
+  void GetICodeID(int marketId, const std::string& code, Quill::ICodeID& codeId) override;
+
+  // Live quotes, the account and its orders come from `live` when one is given (a paper broker):
+  // its quote answers before the snapshot file's. `live` must outlive the adapter's use.
+  void SetLive(CDataAdapter* live) { live_ = live; }
+  int GetAccountSummary(int brokerNo, const std::string& accountId,
+                        Quill::ITradeAcctSummary& summary) override;
+  int GetPosition(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                  Quill::ITradePosition& position) override;
+  int GetOrders(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                std::vector<Quill::ITradeOrder>& orders) override;
+  int GetOpenOrders(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                    std::vector<Quill::ITradeOrder>& orders) override;
+  int CancelOrder(int brokerNo, const std::string& accountId, const Quill::ICodeID& codeId,
+                  const std::string& contractNo) override;
+
   ProfileStore& Profiles() { return profiles_; }
 
  private:
   std::map<std::pair<uint32_t, std::string>, Quill::ICodeProperty> properties_;
   std::map<std::string, Quill::ITickDeepLevel> quotes_;
   ProfileStore profiles_;
+  CDataAdapter* live_ = nullptr;
 };
 
 }  // namespace qxrun

@@ -1,6 +1,22 @@
 #include "qxrun/host/HostRun.h"
 
 namespace qxrun {
+namespace {
+
+// The account's own block, between the account and the host's copy of it (same member names).
+template <typename From, typename To>
+void CopyAccountBlock(const From& from, To& to) {
+  to.Capital = from.Capital;
+  to.CumReturn = from.CumReturn;
+  to.PercentEquitySum = from.PercentEquitySum;
+  to.Stats = from.Stats;
+  to.SavedStats = from.SavedStats;
+  to.FinalPosition = from.FinalPosition;
+  to.Detail = from.Detail;
+  to.Report = from.Report;
+}
+
+}  // namespace
 
 HostInstance::HostInstance(std::vector<QXDataSource>& sources, const RunSettings& settings,
                            const std::string& formulaName)
@@ -37,25 +53,64 @@ void HostInstance::Run(const FormulaInfo& info, const std::map<std::string, doub
   data_.CurrentData = 0;
   data_.CurrentBar = 0;
   CSystemFuncs funcs(&data_);
-  FormulaContext context(&data_, params);
-  std::unique_ptr<Formula> formula = info.Create(context);
+  Start(info, params);
   int32_t nextReport = every;
   for (int32_t bar = 0; bar < bars; ++bar) {
-    data_.CurrentData = 0;
-    data_.CurrentBar = bar;
-    data_.OutputMode = 0;
-    formula->OnBar(funcs);
-    data_.CurrentData = 0;
-    data_.CurrentBar = bar;
-    data_.BarCount = bars;
-    data_.OutputMode = outputMode_;
-    funcs.BarCheckout();
+    Evaluate(funcs, bar);
     if (progress && bar + 1 == nextReport) {
       progress(bar + 1, bars);
       nextReport += every;
     }
   }
   if (progress && nextReport - every != bars) progress(bars, bars);  // the end, once
+}
+
+void HostInstance::Start(const FormulaInfo& info, const std::map<std::string, double>& params) {
+  context_ = std::make_unique<FormulaContext>(&data_, params);
+  formula_ = info.Create(*context_);
+}
+
+void HostInstance::Evaluate(CSystemFuncs& funcs, int32_t bar) {
+  const auto bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = bars;
+  data_.OutputMode = 0;
+  formula_->OnBar(funcs);
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = bars;
+  data_.OutputMode = outputMode_;
+  funcs.BarCheckout();
+}
+
+void HostInstance::RunHistory(int32_t end) {
+  if (end <= 0) return;
+  data_.CurrentData = 0;
+  data_.CurrentBar = 0;
+  data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  CSystemFuncs funcs(&data_);
+  for (int32_t bar = 0; bar < end; ++bar) Evaluate(funcs, bar);
+}
+
+void HostInstance::Reevaluate(int32_t bar) {
+  StrategyAccount& account = *data_.Account;
+  CopyAccountBlock(barStart_, account);
+  if (account.EquityCurve.size() > barStart_.EquityPoints) {
+    account.EquityCurve.resize(barStart_.EquityPoints);
+  }
+  account.BarOrders.erase(account.BarOrders.lower_bound(bar), account.BarOrders.end());
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  CSystemFuncs funcs(&data_);
+  Evaluate(funcs, bar);
+}
+
+void HostInstance::MarkBarStart() {
+  const StrategyAccount& account = *data_.Account;
+  CopyAccountBlock(account, barStart_);
+  barStart_.EquityPoints = account.EquityCurve.size();
 }
 
 }  // namespace qxrun

@@ -36,13 +36,50 @@ class HostInstance {
   void Run(const FormulaInfo& info, const std::map<std::string, double>& params,
            const Progress& progress = {}, int32_t every = 65536);
 
+  // A live session, bar by bar. The main series may grow between calls (the bar being formed
+  // is its last bar); BarCount follows its size.
+  //
+  // Creates the formula for the rest of the instance's life.
+  void Start(const FormulaInfo& info, const std::map<std::string, double>& params);
+  // Evaluates bars [0, end) once each, checked out after each, with one CSystemFuncs.
+  // REQUIRES: Start.
+  void RunHistory(int32_t end);
+  // Evaluates `bar` anew, as a live platform does on every tick of the newest bar: a new
+  // CSystemFuncs at `bar` (the library rolls the bar's ledgers, trades and series back), the body,
+  // the checkout. The account's own block (capital, returns, drawdown and statistics, report,
+  // equity points and bar orders of this bar) is not part of the library's roll-back: a checkout
+  // that closed trades on the bar would book their profit into the capital again. It is put back
+  // first from the copy MarkBarStart took. REQUIRES: Start, and MarkBarStart after the last
+  // checkout of bar - 1.
+  void Reevaluate(int32_t bar);
+  // Keeps the account's own block as the state the next bar starts from.
+  void MarkBarStart();
+
   CQXBaseData& Data() { return data_; }
   const CQXBaseData& Data() const { return data_; }
   const StrategyAccount& Account() const { return *data_.Account; }
 
  private:
+  // The part of the strategy account a re-evaluation puts back.
+  struct AccountBlock {
+    double Capital = 0.0;
+    double CumReturn = 0.0;
+    double PercentEquitySum = 0.0;
+    AccountStatistics Stats;
+    AccountStatistics SavedStats;
+    int32_t FinalPosition = 0;
+    ReportDetail Detail;
+    PerformanceReport Report;
+    size_t EquityPoints = 0;
+  };
+
+  void Evaluate(CSystemFuncs& funcs, int32_t bar);
+
   CQXBaseData data_;
   int32_t outputMode_;
+  std::unique_ptr<FormulaContext> context_;
+  std::unique_ptr<Formula> formula_;
+  AccountBlock barStart_;
 };
 
 }  // namespace qxrun

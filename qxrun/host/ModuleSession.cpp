@@ -6,9 +6,12 @@
 namespace qxrun {
 
 ModuleSession::ModuleSession(MessageCentre& centre, CDataAdapter& adapter, std::string baseDir,
-                             std::string userId)
+                             std::string userId,
+                             std::function<int(Quill::ITradeOrder*, int, int)> orderFrontEnd)
     : adapter_(adapter), baseDir_(std::move(baseDir)), userId_(std::move(userId)) {
-  SysFuncs_SetPlatform(HostPlatform(centre));
+  SysFuncsPlatform platform = HostPlatform(centre);
+  if (orderFrontEnd) platform.ShowConfirmOrder = std::move(orderFrontEnd);
+  SysFuncs_SetPlatform(platform);
   SysFuncs_Init(nullptr, &adapter_, baseDir_.c_str(), userId_.c_str());
 }
 

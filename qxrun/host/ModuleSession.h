@@ -5,18 +5,23 @@
 #define QXRUN_HOST_MODULE_SESSION_H_
 
 #include "sysfuncs/DataAdapter.h"
+#include "sysfuncs/Platform.h"
 
 #include "qxrun/host/MessageCentre.h"
 
+#include <functional>
 #include <string>
 
 namespace qxrun {
 
 class ModuleSession {
  public:
-  // REQUIRES: no other session is open; `centre` and `adapter` outlive the session.
+  // REQUIRES: no other session is open; `centre` and `adapter` outlive the session. A given
+  // `orderFrontEnd` confirms and submits the live orders of formulas (the library's default
+  // refuses them).
   ModuleSession(MessageCentre& centre, CDataAdapter& adapter, std::string baseDir,
-                std::string userId);
+                std::string userId,
+                std::function<int(Quill::ITradeOrder*, int, int)> orderFrontEnd = {});
   ~ModuleSession();
   ModuleSession(const ModuleSession&) = delete;
   ModuleSession& operator=(const ModuleSession&) = delete;

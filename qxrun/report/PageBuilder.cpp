@@ -48,7 +48,7 @@ MarkerKind MarkerOf(uint32_t kind) {
 }  // namespace
 
 PageData BuildPageData(const RunHeading& heading, const RunFigures& figures,
-                       const CQXBaseData& data) {
+                       const CQXBaseData& data, const std::vector<LiveOrderMarker>& live) {
   PageData page;
   WallClock wall;
   page.Title = heading.Formula + " on " + (heading.Symbols.empty() ? "" : heading.Symbols[0]);
@@ -86,6 +86,15 @@ PageData BuildPageData(const RunHeading& heading, const RunFigures& figures,
       page.Markers.push_back({page.Candles[static_cast<size_t>(order.Bar)].Time,
                               MarkerOf(order.Kind), order.Price, order.Lots, ""});
     }
+  }
+  for (const LiveOrderMarker& order : live) {
+    // Bars are stamped at their end: the order belongs to the first bar stamped at or after it.
+    const auto bar = std::lower_bound(bars.begin(), bars.end(), order.Time,
+                                      [](const QXBar& b, int64_t time) { return b.Time < time; });
+    if (bar == bars.end()) continue;
+    page.Markers.push_back({page.Candles[static_cast<size_t>(bar - bars.begin())].Time,
+                            order.Buy ? MarkerKind::kLiveBuy : MarkerKind::kLiveSell, order.Price,
+                            order.Lots, order.Text});
   }
   std::sort(page.Markers.begin(), page.Markers.end(),
             [](const PageMarker& a, const PageMarker& b) { return a.Time < b.Time; });
@@ -125,8 +134,8 @@ PageData BuildPageData(const RunHeading& heading, const RunFigures& figures,
 }
 
 bool WriteReportPageFile(OutputFolder& folder, const RunHeading& heading, const RunFigures& figures,
-                         const CQXBaseData& data) {
-  const PageData page = BuildPageData(heading, figures, data);
+                         const CQXBaseData& data, const std::vector<LiveOrderMarker>& live) {
+  const PageData page = BuildPageData(heading, figures, data, live);
   folder.Write("report.html", [&page](std::ostream& out) { WriteReportPage(page, out); });
   return true;
 }

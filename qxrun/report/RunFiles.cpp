@@ -36,7 +36,7 @@ RunHeading MakeHeading(const FormulaInfo& info, const std::map<std::string, doub
 
 double WriteRunFiles(OutputFolder& folder, const RunHeading& heading, const RunFigures& figures,
                      const CQXBaseData& data, const std::vector<QXDataSource>& sources,
-                     double initCapital, bool page) {
+                     double initCapital, bool page, const std::vector<LiveOrderMarker>& live) {
   const StrategyAccount& account = *data.Account;
   folder.Write("report.json", [&](std::ostream& file) {
     WriteReportJson(file, heading, figures, account.Report);
@@ -49,7 +49,7 @@ double WriteRunFiles(OutputFolder& folder, const RunHeading& heading, const RunF
   folder.Write("plots.csv", [&](std::ostream& file) { WritePlotsCsv(file, data); });
   if (!page) return 0.0;
   const auto start = std::chrono::steady_clock::now();
-  if (!WriteReportPageFile(folder, heading, figures, data)) return 0.0;
+  if (!WriteReportPageFile(folder, heading, figures, data, live)) return 0.0;
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

@@ -9,6 +9,7 @@
 #include "qxrun/config/RunFile.h"
 #include "qxrun/report/Figures.h"
 #include "qxrun/report/OutputFolder.h"
+#include "qxrun/report/PageBuilder.h"
 #include "qxrun/report/Tables.h"
 
 #include <map>
@@ -29,10 +30,11 @@ RunHeading MakeHeading(const FormulaInfo& info, const std::map<std::string, doub
                        const RunSettings& settings, const std::vector<QXDataSource>& sources);
 
 // Writes report.json, equity.csv, trades.csv, orders.csv, plots.csv and, when `page` is set,
-// report.html. Returns the seconds the page took (0 without it).
+// report.html (with `live` orders marked beside the signal orders). Returns the seconds the page
+// took (0 without it).
 double WriteRunFiles(OutputFolder& folder, const RunHeading& heading, const RunFigures& figures,
                      const CQXBaseData& data, const std::vector<QXDataSource>& sources,
-                     double initCapital, bool page);
+                     double initCapital, bool page, const std::vector<LiveOrderMarker>& live = {});
 
 }  // namespace qxrun
 
