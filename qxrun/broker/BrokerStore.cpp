@@ -146,8 +146,11 @@ BrokerStore::BrokerStore(std::filesystem::path file) : file_(std::move(file)) {
   }
   Execute("PRAGMA journal_mode=WAL");
   Execute("PRAGMA synchronous=NORMAL");
-  Execute(kSchema);
-  Execute("PRAGMA user_version=1");
+  // The tables and the version in one transaction: a run killed while making the store leaves
+  // none of it.
+  const std::string schemaTransaction = std::string("BEGIN;") + kSchema + "PRAGMA user_version=" +
+                                        std::to_string(kBrokerSchemaVersion) + ";COMMIT;";
+  Execute(schemaTransaction.c_str());
   statements_ = std::make_unique<Statements>(db_);
   if (!statements_->Ok()) Fail("cannot be prepared");
 }
