@@ -56,7 +56,7 @@ void HostInstance::Run(const FormulaInfo& info, const std::map<std::string, doub
   Start(info, params);
   int32_t nextReport = every;
   for (int32_t bar = 0; bar < bars; ++bar) {
-    Evaluate(funcs, bar);
+    Evaluate(funcs, bar, outputMode_);
     if (progress && bar + 1 == nextReport) {
       progress(bar + 1, bars);
       nextReport += every;
@@ -70,7 +70,7 @@ void HostInstance::Start(const FormulaInfo& info, const std::map<std::string, do
   formula_ = info.Create(*context_);
 }
 
-void HostInstance::Evaluate(CSystemFuncs& funcs, int32_t bar) {
+void HostInstance::Evaluate(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode) {
   const auto bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
   data_.CurrentData = 0;
   data_.CurrentBar = bar;
@@ -80,8 +80,9 @@ void HostInstance::Evaluate(CSystemFuncs& funcs, int32_t bar) {
   data_.CurrentData = 0;
   data_.CurrentBar = bar;
   data_.BarCount = bars;
-  data_.OutputMode = outputMode_;
+  data_.OutputMode = checkoutMode;
   funcs.BarCheckout();
+  data_.OutputMode = outputMode_;
 }
 
 void HostInstance::RunHistory(int32_t end) {
@@ -90,10 +91,10 @@ void HostInstance::RunHistory(int32_t end) {
   data_.CurrentBar = 0;
   data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
   CSystemFuncs funcs(&data_);
-  for (int32_t bar = 0; bar < end; ++bar) Evaluate(funcs, bar);
+  for (int32_t bar = 0; bar < end; ++bar) Evaluate(funcs, bar, outputMode_);
 }
 
-void HostInstance::Reevaluate(int32_t bar) {
+void HostInstance::Reevaluate(int32_t bar, bool chart) {
   StrategyAccount& account = *data_.Account;
   CopyAccountBlock(barStart_, account);
   if (account.EquityCurve.size() > barStart_.EquityPoints) {
@@ -104,7 +105,7 @@ void HostInstance::Reevaluate(int32_t bar) {
   data_.CurrentBar = bar;
   data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
   CSystemFuncs funcs(&data_);
-  Evaluate(funcs, bar);
+  Evaluate(funcs, bar, chart ? 0 : outputMode_);
 }
 
 void HostInstance::MarkBarStart() {

@@ -49,9 +49,11 @@ class HostInstance {
   // the checkout. The account's own block (capital, returns, drawdown and statistics, report,
   // equity points and bar orders of this bar) is not part of the library's roll-back: a checkout
   // that closed trades on the bar would book their profit into the capital again. It is put back
-  // first from the copy MarkBarStart took. REQUIRES: Start, and MarkBarStart after the last
-  // checkout of bar - 1.
-  void Reevaluate(int32_t bar);
+  // first from the copy MarkBarStart took. With `chart` set the bar is checked out as a chart run
+  // (output mode 0), as on a live chart: no settlement and no report block, which the next
+  // evaluation would throw away. REQUIRES: Start, and MarkBarStart after the last checkout of
+  // bar - 1.
+  void Reevaluate(int32_t bar, bool chart = false);
   // Keeps the account's own block as the state the next bar starts from.
   void MarkBarStart();
 
@@ -73,7 +75,7 @@ class HostInstance {
     size_t EquityPoints = 0;
   };
 
-  void Evaluate(CSystemFuncs& funcs, int32_t bar);
+  void Evaluate(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode);
 
   CQXBaseData data_;
   int32_t outputMode_;

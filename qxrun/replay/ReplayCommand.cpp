@@ -158,11 +158,17 @@ int ReplayCommand(const ReplayOptions& options, std::ostream& out, std::ostream&
                        terms.MinMove * static_cast<double>(static_cast<float>(terms.PriceScale)),
                        settings.Symbols[i].Costs});
   }
-  BrokerStore store(inputs.UserDir / "broker.sqlite");
+  const std::filesystem::path storeFile = inputs.UserDir / "broker.sqlite";
+  const bool opensAccount = options.Deposit || options.Account == "paper";
+  if (!opensAccount && !std::filesystem::exists(storeFile)) {
+    throw InputError("--account: unknown account '" + options.Account +
+                     "' (there is no broker store yet; open it with --deposit AMOUNT)");
+  }
+  BrokerStore store(storeFile);
   PaperBroker broker(symbols, &store);
   broker.Load(store.Load());
   if (!broker.HasAccount(options.Account)) {
-    if (!options.Deposit && options.Account != "paper") {
+    if (!opensAccount) {
       std::string known;
       for (const std::string& name : broker.AccountNames())
         known += (known.empty() ? "" : ", ") + name;

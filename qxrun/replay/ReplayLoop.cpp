@@ -77,7 +77,9 @@ ReplayCounts RunReplay(const ReplayPlan& plan, std::vector<QXBar>& live, HostIns
       if (pacer != nullptr && previousTime != 0) pacer->Wait(previousTime, tick.Time);
       previousTime = tick.Time;
       if (market != nullptr) market->OnTick(sequence, tick, feed.Snapshot(), feed.TradingDay());
-      instance.Reevaluate(index);
+      // The replay's last tick settles the run in its own output mode; every other tick is
+      // checked out as a live chart is.
+      instance.Reevaluate(index, bar + 1 < bars.size() || k + 1 < ticks.size());
       ++counts.Evaluations;
     }
   }
