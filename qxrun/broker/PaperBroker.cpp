@@ -145,7 +145,9 @@ double PaperBroker::MarginInUse(const std::string& account) const {
 double PaperBroker::Frozen(const std::string& account) const {
   double frozen = 0.0;
   for (const BrokerOrder& order : orders_) {
-    if (order.Account != account || !IsWorking(order.Status) || IsClose(order.EntryOrExit)) {
+    // An order still being sent freezes nothing yet: the broker has not taken it in.
+    if (order.Account != account || !IsWorking(order.Status) || order.Status == kSending ||
+        IsClose(order.EntryOrExit)) {
       continue;
     }
     const BrokerSymbol* symbol = SymbolOf(order.Market, order.Code);

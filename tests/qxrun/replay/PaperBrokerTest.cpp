@@ -166,6 +166,10 @@ TEST_F(PaperBrokerTest, CancelLeavesFilledPartAndExpiryEndsTheDay) {
 TEST_F(PaperBrokerTest, EntryBeyondFreeMarginAndFractionalLotsAreRejected) {
   // 40 lots x 100 x 300 x 0.1 = 120000 of margin, more than the 100000 held.
   EXPECT_EQ(OrderOf(Send(Order(1, 1, 40, 100))).Note, "not enough free margin");
+  // 30 lots need 90000: taken in (the order's own margin is not counted against it), and then
+  // frozen, so that one more lot (3000) no longer fits the 10000 left.
+  EXPECT_EQ(OrderOf(Send(Order(1, 1, 30, 100))).Status, kReported);
+  EXPECT_EQ(OrderOf(Send(Order(1, 1, 4, 100))).Note, "not enough free margin");
   EXPECT_EQ(OrderOf(Send(Order(1, 1, 1.5, 100))).Note, "whole lots only");
   Quill::ITradeOrder stranger = Order(1, 1, 1, 100);
   stranger.AccountID = "nobody";
