@@ -47,9 +47,9 @@ std::string ParameterNames(const FormulaInfo& info) {
 }  // namespace
 
 const std::vector<const FormulaInfo*>& BundledFormulas() {
-  static const std::vector<const FormulaInfo*> formulas = {
-      &MaCrossInfo(), &BreakoutInfo(), &SpreadInfo(), &ChannelPlotInfo(), &MomentumPickInfo(),
-      &LiveQuotesInfo()};
+  static const std::vector<const FormulaInfo*> formulas = {&MaCrossInfo(),      &BreakoutInfo(),
+                                                           &SpreadInfo(),       &ChannelPlotInfo(),
+                                                           &MomentumPickInfo(), &LiveQuotesInfo()};
   return formulas;
 }
 
