@@ -1,6 +1,7 @@
 // The broker's store: what it keeps, what it refuses to open, and what a failed write leaves.
 #include "qxrun/QxrunProcess.h"
 #include "qxrun/broker/BrokerStore.h"
+#include "qxrun/replay/BrokerOrders.h"
 
 #include <gtest/gtest.h>
 
@@ -18,16 +19,7 @@ BrokerSymbol Symbol() {
   return symbol;
 }
 
-Quill::ITradeOrder Order(int32_t buyOrSell, int32_t entryOrExit, double lots, double price) {
-  Quill::ITradeOrder order;
-  order.AccountID = "acc";
-  order.CodeID.Code = "IF";
-  order.BuyOrSell = buyOrSell;
-  order.EntryOrExit = entryOrExit;
-  order.Lot = lots;
-  order.Price = price;
-  return order;
-}
+constexpr auto Order = qxrun_test::BrokerOrder;
 
 // A broker over the store at `file`, with what the store holds.
 struct StoredBroker {

@@ -2,6 +2,7 @@
 // account figures it reports.
 #include "qxrun/broker/OrderDesk.h"
 #include "qxrun/broker/PaperBroker.h"
+#include "qxrun/replay/BrokerOrders.h"
 
 #include <gtest/gtest.h>
 
@@ -26,18 +27,7 @@ BrokerSymbol Symbol() {
   return symbol;
 }
 
-Quill::ITradeOrder Order(int32_t buyOrSell, int32_t entryOrExit, double lots, double price) {
-  Quill::ITradeOrder order;
-  order.BrokerNo = 1;
-  order.AccountID = "acc";
-  order.CodeID.Code = "IF";
-  order.BuyOrSell = buyOrSell;
-  order.EntryOrExit = entryOrExit;
-  order.Lot = lots;
-  order.Price = price;
-  order.Source = "A_SendOrder";
-  return order;
-}
+constexpr auto Order = qxrun_test::BrokerOrder;
 
 class PaperBrokerTest : public ::testing::Test {
  protected:
