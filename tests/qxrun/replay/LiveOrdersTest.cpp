@@ -54,7 +54,7 @@ TEST(LiveOrdersTest, AccountsAreSeparateAndOrdersAreCancelledAndFilled) {
     for (const auto& row : orders) {
       ASSERT_EQ(row.size(), 14U) << out;
       EXPECT_EQ(row[3], std::string(out) == "a" ? "alice" : "bob");
-      if (row[9] == "cancelled") ++cancelled;
+      if (row[9] == "cancelled" && row[12] == "cancelled") ++cancelled;  // not expired
       filledLots += std::stoi(row[10]);
     }
     // The formula cancels what is still working when its turn comes again.
