@@ -120,6 +120,17 @@ BrokerStore::BrokerStore(std::filesystem::path file) : file_(std::move(file)) {
       throw StoreError(file_.string() + ": is not a database (a broker store is SQLite)");
     }
   }
+  // A store that is refused is closed again: the destructor does not run for it.
+  try {
+    Open();
+  } catch (...) {
+    statements_.reset();
+    sqlite3_close(db_);
+    throw;
+  }
+}
+
+void BrokerStore::Open() {
   if (sqlite3_open(file_.c_str(), &db_) != SQLITE_OK) Fail("cannot be opened");
   sqlite3_busy_timeout(db_, 5000);
   int64_t schema = 0;

@@ -51,6 +51,7 @@ class BrokerStore : public BrokerJournal {
 
  private:
   class Statements;
+  void Open();
   [[noreturn]] void Fail(const std::string& what) const;
   void Execute(const char* sql);
 
