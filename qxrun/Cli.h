@@ -24,6 +24,9 @@ void AddRunOptions(CLI::App& command, RunOptions& options);
 // `qxrun run` (RunCommand.cpp) and `qxrun formulas` (FormulasCommand.cpp).
 Command AddRunCommand(CLI::App& app);
 Command AddFormulasCommand(CLI::App& app);
+// `qxrun sweep` (sweep/SweepCommand.cpp) and `qxrun pool` (pool/PoolCommand.cpp).
+Command AddSweepCommand(CLI::App& app);
+Command AddPoolCommand(CLI::App& app);
 
 }  // namespace qxrun
 

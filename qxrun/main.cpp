@@ -21,6 +21,7 @@ int main(int argc, char** argv) {
   const std::vector<qxrun::Command> commands = {
       qxrun::AddRunCommand(app),
       qxrun::AddFormulasCommand(app),
+      qxrun::AddSweepCommand(app),
   };
 
   try {

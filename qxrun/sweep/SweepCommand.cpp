@@ -1,0 +1,135 @@
+#include "qxrun/sweep/SweepCommand.h"
+
+#include "qxrun/Cli.h"
+#include "qxrun/InputError.h"
+#include "qxrun/ProgressBar.h"
+#include "qxrun/host/HostServices.h"
+#include "qxrun/sweep/ParamGrid.h"
+#include "qxrun/sweep/PointRuns.h"
+#include "qxrun/sweep/SweepResults.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <set>
+
+namespace qxrun {
+namespace {
+
+// What the command line asks for, checked.
+struct SweepPlan {
+  RunInputs Inputs;
+  SweepSetup Setup;
+  std::vector<ParamAxis> Axes;
+  std::vector<ParamPoint> Points;
+  Objective Goal;
+  int Jobs = 1;
+};
+
+SweepPlan PlanSweep(const SweepOptions& options) {
+  RunOptions fixed = options.Run;
+  fixed.Params.clear();
+  std::vector<std::string> ranges;
+  for (const std::string& text : options.Run.Params) {
+    (IsRangeText(text) ? ranges : fixed.Params).push_back(text);
+  }
+  SweepPlan plan;
+  plan.Inputs = PrepareRun(fixed);
+  const FormulaInfo& info = *plan.Inputs.Info;
+  std::set<std::string> seen;
+  for (const std::string& text : ranges) {
+    ParamAxis axis = ParseAxis(text, info);
+    if (!seen.insert(axis.Name).second) {
+      throw InputError("--param " + axis.Name + ": swept twice");
+    }
+    plan.Axes.push_back(std::move(axis));
+  }
+  if (plan.Axes.empty()) {
+    throw InputError("--param: give at least one range to sweep, as name=first:last:step");
+  }
+  for (const std::string& text : fixed.Params) {
+    const std::string name = text.substr(0, text.find('='));
+    if (seen.count(name) != 0) throw InputError("--param " + name + ": both swept and fixed");
+  }
+  plan.Setup.Info = &info;
+  plan.Setup.Settings = plan.Inputs.Settings;
+  plan.Setup.BaseParams = plan.Inputs.Params;
+  for (const ParamAxis& axis : plan.Axes) plan.Setup.AxisNames.push_back(axis.Name);
+
+  std::vector<Constraint> constraints;
+  for (const std::string& text : options.Constraints) {
+    constraints.emplace_back(text, plan.Setup.AxisNames);
+  }
+  plan.Goal = FindObjective(options.Objective);
+  if (options.Random && *options.Random <= 0) throw InputError("--random: must be positive");
+  plan.Points = options.Random ? RandomPoints(plan.Axes, constraints, *options.Random, options.Seed)
+                               : GridPoints(plan.Axes, constraints);
+  if (plan.Points.empty()) throw InputError("--constraint: no point of the grid satisfies them");
+  if (options.Jobs && *options.Jobs <= 0) throw InputError("--jobs: must be positive");
+  plan.Jobs = options.Jobs ? *options.Jobs : DefaultJobs();
+  if (options.Top <= 0) throw InputError("--top: must be positive");
+  return plan;
+}
+
+}  // namespace
+
+int SweepCommand(const SweepOptions& options, std::ostream& out, std::ostream& err) {
+  (void)err;
+  SweepPlan plan = PlanSweep(options);
+  std::vector<QXDataSource> sources = LoadSources(plan.Inputs.Settings);
+  std::optional<OutputFolder>& folder = plan.Inputs.Folder;
+  if (folder) folder->Make();
+
+  std::vector<std::vector<double>> rows;
+  {
+    HostServices services(plan.Inputs, folder ? folder->Path() : std::filesystem::current_path());
+    ProgressBar progress(!options.Run.Quiet, "points");
+    rows = RunPoints(plan.Setup, sources, plan.Points, plan.Jobs,
+                     [&progress](int64_t done, int64_t total) { progress(done, total); });
+  }
+
+  const std::string& formula = plan.Setup.Info->Name;
+  if (!options.Run.Quiet) {
+    PrintBest(out, plan.Setup.AxisNames, plan.Points, rows, plan.Goal,
+              static_cast<size_t>(options.Top));
+  }
+  if (folder) {
+    folder->Write("results.csv", [&](std::ostream& file) {
+      WriteResultsCsv(file, plan.Setup.AxisNames, plan.Points, rows);
+    });
+    folder->Write("results.json", [&](std::ostream& file) {
+      WriteResultsJson(file, formula, plan.Setup.AxisNames, plan.Points, rows, plan.Goal);
+    });
+    if (!options.Run.Quiet) {
+      out << "\nwrote " << folder->Written().size() << " files to " << folder->Path().string()
+          << '\n';
+    }
+  }
+  return 0;
+}
+
+Command AddSweepCommand(CLI::App& app) {
+  auto options = std::make_shared<SweepOptions>();
+  Command command;
+  command.App = app.add_subcommand(
+      "sweep", "back-test a formula at every point of a parameter grid, on every core");
+  AddRunOptions(*command.App, options->Run);
+  CLI::App& sub = *command.App;
+  sub.add_option("--random", options->Random, "run N points drawn at random from the grid");
+  sub.add_option("--seed", options->Seed, "seed of the random draw (default 1)");
+  sub.add_option("--constraint", options->Constraints,
+                 "condition on the swept parameters, e.g. \"fast<slow\"; repeatable");
+  sub.add_option("--objective", options->Objective,
+                 "figure that orders the points (default sharpe): net_profit, cagr, ...");
+  sub.add_option("--jobs", options->Jobs, "worker threads (default: every core)");
+  sub.add_option("--walk-forward", options->WalkForward,
+                 "train=N,test=M: optimise on each training window, run the best on the next "
+                 "test window (bars, or with d, m, y: days, months, years)");
+  sub.add_option("--top", options->Top, "best points shown on the terminal (default 10)");
+  command.Run = [options](std::ostream& out, std::ostream& err) {
+    return SweepCommand(*options, out, err);
+  };
+  return command;
+}
+
+}  // namespace qxrun
