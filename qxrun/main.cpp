@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
       qxrun::AddRunCommand(app),
       qxrun::AddFormulasCommand(app),
       qxrun::AddSweepCommand(app),
+      qxrun::AddPoolCommand(app),
   };
 
   try {

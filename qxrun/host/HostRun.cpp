@@ -58,4 +58,39 @@ void HostInstance::Run(const FormulaInfo& info, const std::map<std::string, doub
   if (progress && nextReport - every != bars) progress(bars, bars);  // the end, once
 }
 
+void HostInstance::Begin(const FormulaInfo& info, const std::map<std::string, double>& params) {
+  data_.CurrentData = 0;
+  data_.CurrentBar = 0;
+  funcs_ = std::make_unique<CSystemFuncs>(&data_);
+  context_ = std::make_unique<FormulaContext>(&data_, params);
+  formula_ = info.Create(*context_);
+  evaluatedBar_ = -1;
+}
+
+void HostInstance::Evaluate(int32_t bar) {
+  const int32_t bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  if (bar == evaluatedBar_ && bar == bars - 1) {
+    // The last bar anew: a new object rolls the state back to the bar's start.
+    funcs_.reset();
+    data_.CurrentData = 0;
+    data_.CurrentBar = bar;
+    data_.BarCount = bars;
+    funcs_ = std::make_unique<CSystemFuncs>(&data_);
+  }
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = bars;
+  data_.OutputMode = 0;
+  formula_->OnBar(*funcs_);
+  evaluatedBar_ = bar;
+}
+
+void HostInstance::Checkout(int32_t bar) {
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  data_.OutputMode = outputMode_;
+  funcs_->BarCheckout();
+}
+
 }  // namespace qxrun

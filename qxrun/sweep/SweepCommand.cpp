@@ -110,9 +110,9 @@ int SweepCommand(const SweepOptions& options, std::ostream& out, std::ostream& e
 
 Command AddSweepCommand(CLI::App& app) {
   auto options = std::make_shared<SweepOptions>();
-  Command command;
-  command.App = app.add_subcommand(
-      "sweep", "back-test a formula at every point of a parameter grid, on every core");
+  Command command = MakeCommand(
+      app, "sweep", "back-test a formula at every point of a parameter grid, on every core",
+      options, &SweepCommand);
   AddRunOptions(*command.App, options->Run);
   CLI::App& sub = *command.App;
   sub.add_option("--random", options->Random, "run N points drawn at random from the grid");
@@ -126,9 +126,6 @@ Command AddSweepCommand(CLI::App& app) {
                  "train=N,test=M: optimise on each training window, run the best on the next "
                  "test window (bars, or with d, m, y: days, months, years)");
   sub.add_option("--top", options->Top, "best points shown on the terminal (default 10)");
-  command.Run = [options](std::ostream& out, std::ostream& err) {
-    return SweepCommand(*options, out, err);
-  };
   return command;
 }
 
