@@ -48,10 +48,13 @@ std::map<std::string, double> PointParams(const SweepSetup& setup, const ParamPo
 }
 
 RunFigures RunPointFigures(const SweepSetup& setup, std::vector<QXDataSource>& sources,
-                           const ParamPoint& point, std::vector<EquityPoint>* curve) {
+                           const ParamPoint& point, PointTrace* trace) {
   HostInstance instance(sources, setup.Settings, setup.Info->Name);
   instance.Run(*setup.Info, PointParams(setup, point));
-  if (curve != nullptr) *curve = instance.Account().EquityCurve;
+  if (trace != nullptr) {
+    trace->EquityCurve = instance.Account().EquityCurve;
+    trace->Trades = instance.Account().Trades;
+  }
   return ComputeRunFigures(setup.Settings, sources, instance.Account());
 }
 

@@ -34,9 +34,15 @@ std::vector<double> FigureValues(const RunFigures& figures);
 // The parameter values of a point.
 std::map<std::string, double> PointParams(const SweepSetup& setup, const ParamPoint& point);
 
+// The equity curve and trades of a run, kept when a caller asks for them.
+struct PointTrace {
+  std::vector<EquityPoint> EquityCurve;
+  std::vector<TradeRecord> Trades;
+};
+
 // A back-test of one point over `sources`; returns its figures. `sources` is only read.
 RunFigures RunPointFigures(const SweepSetup& setup, std::vector<QXDataSource>& sources,
-                           const ParamPoint& point, std::vector<EquityPoint>* curve = nullptr);
+                           const ParamPoint& point, PointTrace* trace = nullptr);
 
 // Called after each finished point with the points done so far; calls are serialised.
 using PointProgress = std::function<void(int64_t done, int64_t total)>;

@@ -7,6 +7,8 @@
 #include "qxrun/sweep/ParamGrid.h"
 #include "qxrun/sweep/PointRuns.h"
 #include "qxrun/sweep/SweepResults.h"
+#include "qxrun/sweep/WalkForward.h"
+#include "qxrun/sweep/WalkReport.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -24,7 +26,45 @@ struct SweepPlan {
   std::vector<ParamPoint> Points;
   Objective Goal;
   int Jobs = 1;
+  std::optional<WalkSpec> Walk;
 };
+
+// The walk-forward sweep: windows over the main series, each optimised and tested.
+int WalkForwardSweep(const SweepOptions& options, SweepPlan& plan,
+                     const std::vector<QXDataSource>& sources, std::ostream& out) {
+  std::vector<int64_t> times;
+  for (const QXBar& bar : sources[0].Bars) times.push_back(bar.Time);
+  const std::vector<WalkWindow> windows = WalkWindows(times, *plan.Walk);
+  if (windows.empty()) {
+    throw InputError("--walk-forward: the " + std::to_string(times.size()) + " bars of " +
+                     plan.Inputs.Settings.Symbols[0].File.string() +
+                     " hold no training window followed by a test window");
+  }
+  std::optional<OutputFolder>& folder = plan.Inputs.Folder;
+  if (folder) folder->Make();
+  WalkResult result;
+  {
+    HostServices services(plan.Inputs, folder ? folder->Path() : std::filesystem::current_path());
+    ProgressBar progress(!options.Run.Quiet, "runs");
+    result = RunWalkForward(plan.Setup, sources, plan.Points, plan.Goal, windows, plan.Jobs,
+                            [&progress](int64_t done, int64_t total) { progress(done, total); });
+  }
+  const WalkContext context{&plan.Setup.AxisNames, &plan.Points, &times, plan.Goal,
+                            plan.Setup.Settings.Strategy.InitCapital};
+  if (!options.Run.Quiet) PrintWalkForward(out, context, result);
+  if (folder) {
+    folder->Write("walkforward.csv",
+                  [&](std::ostream& file) { WriteWalkCsv(file, context, result); });
+    folder->Write("walkforward.json",
+                  [&](std::ostream& file) { WriteWalkJson(file, context, result); });
+    folder->Write("equity.csv", [&](std::ostream& file) { WriteWalkEquityCsv(file, result); });
+    if (!options.Run.Quiet) {
+      out << "\nwrote " << folder->Written().size() << " files to " << folder->Path().string()
+          << '\n';
+    }
+  }
+  return 0;
+}
 
 SweepPlan PlanSweep(const SweepOptions& options) {
   RunOptions fixed = options.Run;
@@ -68,6 +108,7 @@ SweepPlan PlanSweep(const SweepOptions& options) {
   if (options.Jobs && *options.Jobs <= 0) throw InputError("--jobs: must be positive");
   plan.Jobs = options.Jobs ? *options.Jobs : DefaultJobs();
   if (options.Top <= 0) throw InputError("--top: must be positive");
+  if (!options.WalkForward.empty()) plan.Walk = ParseWalkSpec(options.WalkForward);
   return plan;
 }
 
@@ -77,6 +118,7 @@ int SweepCommand(const SweepOptions& options, std::ostream& out, std::ostream& e
   (void)err;
   SweepPlan plan = PlanSweep(options);
   std::vector<QXDataSource> sources = LoadSources(plan.Inputs.Settings);
+  if (plan.Walk) return WalkForwardSweep(options, plan, sources, out);
   std::optional<OutputFolder>& folder = plan.Inputs.Folder;
   if (folder) folder->Make();
 

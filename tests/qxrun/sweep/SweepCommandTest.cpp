@@ -103,6 +103,53 @@ TEST(SweepCommandTest, OneThreadAndTwoThreadsWriteTheSameTable) {
   EXPECT_EQ(table, ReadFile(folder.Path() / "two/results.csv"));
 }
 
+TEST(SweepCommandTest, WalkForwardTakesEachTrainingWindowsBestAndJoinsTheTests) {
+  ScratchFolder folder;
+  const std::vector<std::string> grid = {
+      "--formula",   "ma_cross",   "--param",   "fast=5:25:10", "--param", "slow=30:90:30",
+      "--objective", "net_profit", "--capital", "1000",         "--quiet"};
+  std::vector<std::string> args = {
+      "sweep", "--data", kBars, "--walk-forward", "train=1000,test=500", "--out", "wf"};
+  args.insert(args.end(), grid.begin(), grid.end());
+  const ProcessResult walk = RunQxrun(folder.Path(), args);
+  ASSERT_EQ(walk.ExitCode, 0) << walk.Err;
+  const auto windows = CsvRows(ReadFile(folder.Path() / "wf/walkforward.csv"));
+  // 5036 bars: trainings from bars 0, 500, ..., 4000 (the last one tests bars 5000-5035).
+  ASSERT_EQ(windows.size(), 10u);
+  const std::vector<std::string>& header = windows[0];
+  ASSERT_EQ(header[8], "fast");
+  ASSERT_EQ(header[10], "in_net_profit");
+  EXPECT_EQ(windows[1][1], "0");
+  EXPECT_EQ(windows[1][2], "999");
+  EXPECT_EQ(windows[9][1], "4000");
+  EXPECT_EQ(windows[9][3], "5035");
+
+  // The first window's best point is the best of a sweep over its 1000 training bars alone.
+  const std::string bars = ReadFile(kBars);
+  size_t end = 0;
+  for (int line = 0; line < 1001; ++line) end = bars.find('\n', end) + 1;
+  folder.Write("train.csv", bars.substr(0, end));
+  std::vector<std::string> plain = {"sweep", "--data", "train.csv", "--out", "plain"};
+  plain.insert(plain.end(), grid.begin(), grid.end());
+  ASSERT_EQ(RunQxrun(folder.Path(), plain).ExitCode, 0);
+  const nlohmann::json results =
+      nlohmann::json::parse(ReadFile(folder.Path() / "plain/results.json"));
+  const nlohmann::json& best = results["points"][results["best"][0].get<size_t>()];
+  EXPECT_EQ(std::to_string(best["params"]["fast"].get<int>()), windows[1][8]);
+  EXPECT_EQ(std::to_string(best["params"]["slow"].get<int>()), windows[1][9]);
+  EXPECT_EQ(std::stod(windows[1][10]), best["figures"]["net_profit"].get<double>());
+
+  // The joined out-of-sample curve ends at the capital plus every test window's change.
+  double changes = 0.0;
+  for (size_t i = 1; i < windows.size(); ++i) changes += std::stod(windows[i][13]);
+  std::string lastOut;
+  for (const auto& row : CsvRows(ReadFile(folder.Path() / "wf/equity.csv"))) {
+    if (row[0] == "out_of_sample") lastOut = row[3];
+  }
+  ASSERT_FALSE(lastOut.empty());
+  EXPECT_NEAR(std::stod(lastOut), 1000.0 + changes, 1e-6);
+}
+
 TEST(SweepCommandTest, BadInputStopsWithOneLineAndWritesNothing) {
   const struct {
     std::vector<std::string> Args;
@@ -117,6 +164,9 @@ TEST(SweepCommandTest, BadInputStopsWithOneLineAndWritesNothing) {
        "--constraint: no point of the grid satisfies them"},
       {{"--param", "fast=5:10:5", "--jobs", "0"}, "--jobs: must be positive"},
       {{"--param", "fast=5:10:5", "--param", "fast=5"}, "--param fast: both swept and fixed"},
+      {{"--param", "fast=5:10:5", "--walk-forward", "train=5036,test=100"},
+       "--walk-forward: the 5036 bars of"},
+      {{"--param", "fast=5:10:5", "--walk-forward", "train=1x"}, "--walk-forward: "},
   };
   for (const auto& row : cases) {
     ScratchFolder folder;
