@@ -54,6 +54,12 @@ std::vector<std::vector<double>> RunPoints(const SweepSetup& setup,
                                            const std::vector<ParamPoint>& points, int jobs,
                                            const PointProgress& progress = {});
 
+// Runs every point and returns its row, in the points' order: on this machine's threads, or
+// across the ranks of a cluster.
+using PointRunner = std::function<std::vector<std::vector<double>>(
+    const SweepSetup& setup, std::vector<QXDataSource>& sources,
+    const std::vector<ParamPoint>& points, const PointProgress& progress)>;
+
 // Threads to use by default: the processor's hardware threads, at least 1.
 int DefaultJobs();
 

@@ -4,6 +4,7 @@
 #include "qxrun/InputError.h"
 #include "qxrun/ProgressBar.h"
 #include "qxrun/host/HostServices.h"
+#include "qxrun/sweep/Cluster.h"
 #include "qxrun/sweep/ParamGrid.h"
 #include "qxrun/sweep/PointRuns.h"
 #include "qxrun/sweep/SweepResults.h"
@@ -18,7 +19,7 @@
 namespace qxrun {
 namespace {
 
-// What the command line asks for, checked.
+// What the command line asks for, checked, and the bars.
 struct SweepPlan {
   RunInputs Inputs;
   SweepSetup Setup;
@@ -27,46 +28,12 @@ struct SweepPlan {
   Objective Goal;
   int Jobs = 1;
   std::optional<WalkSpec> Walk;
+  std::vector<QXDataSource> Sources;
+  std::vector<int64_t> Times;  // of the main series' bars
+  std::vector<WalkWindow> Windows;
 };
 
-// The walk-forward sweep: windows over the main series, each optimised and tested.
-int WalkForwardSweep(const SweepOptions& options, SweepPlan& plan,
-                     const std::vector<QXDataSource>& sources, std::ostream& out) {
-  std::vector<int64_t> times;
-  for (const QXBar& bar : sources[0].Bars) times.push_back(bar.Time);
-  const std::vector<WalkWindow> windows = WalkWindows(times, *plan.Walk);
-  if (windows.empty()) {
-    throw InputError("--walk-forward: the " + std::to_string(times.size()) + " bars of " +
-                     plan.Inputs.Settings.Symbols[0].File.string() +
-                     " hold no training window followed by a test window");
-  }
-  std::optional<OutputFolder>& folder = plan.Inputs.Folder;
-  if (folder) folder->Make();
-  WalkResult result;
-  {
-    HostServices services(plan.Inputs, folder ? folder->Path() : std::filesystem::current_path());
-    ProgressBar progress(!options.Run.Quiet, "runs");
-    result = RunWalkForward(plan.Setup, sources, plan.Points, plan.Goal, windows, plan.Jobs,
-                            [&progress](int64_t done, int64_t total) { progress(done, total); });
-  }
-  const WalkContext context{&plan.Setup.AxisNames, &plan.Points, &times, plan.Goal,
-                            plan.Setup.Settings.Strategy.InitCapital};
-  if (!options.Run.Quiet) PrintWalkForward(out, context, result);
-  if (folder) {
-    folder->Write("walkforward.csv",
-                  [&](std::ostream& file) { WriteWalkCsv(file, context, result); });
-    folder->Write("walkforward.json",
-                  [&](std::ostream& file) { WriteWalkJson(file, context, result); });
-    folder->Write("equity.csv", [&](std::ostream& file) { WriteWalkEquityCsv(file, result); });
-    if (!options.Run.Quiet) {
-      out << "\nwrote " << folder->Written().size() << " files to " << folder->Path().string()
-          << '\n';
-    }
-  }
-  return 0;
-}
-
-SweepPlan PlanSweep(const SweepOptions& options) {
+SweepPlan PlanSweep(const SweepOptions& options, const Cluster* cluster) {
   RunOptions fixed = options.Run;
   fixed.Params.clear();
   std::vector<std::string> ranges;
@@ -106,46 +73,126 @@ SweepPlan PlanSweep(const SweepOptions& options) {
                                : GridPoints(plan.Axes, constraints);
   if (plan.Points.empty()) throw InputError("--constraint: no point of the grid satisfies them");
   if (options.Jobs && *options.Jobs <= 0) throw InputError("--jobs: must be positive");
-  plan.Jobs = options.Jobs ? *options.Jobs : DefaultJobs();
+  plan.Jobs = options.Jobs         ? *options.Jobs
+              : cluster != nullptr ? cluster->DefaultJobs()
+                                   : DefaultJobs();
   if (options.Top <= 0) throw InputError("--top: must be positive");
   if (!options.WalkForward.empty()) plan.Walk = ParseWalkSpec(options.WalkForward);
   return plan;
 }
 
-}  // namespace
+// Loads the bars and checks what depends on them. Throws InputError.
+void LoadBars(SweepPlan& plan, const Cluster* cluster) {
+  plan.Sources = LoadSources(plan.Inputs.Settings);
+  for (const QXBar& bar : plan.Sources[0].Bars) plan.Times.push_back(bar.Time);
+  if (plan.Walk) {
+    plan.Windows = WalkWindows(plan.Times, *plan.Walk);
+    if (plan.Windows.empty()) {
+      throw InputError("--walk-forward: the " + std::to_string(plan.Times.size()) + " bars of " +
+                       plan.Inputs.Settings.Symbols[0].File.string() +
+                       " hold no training window followed by a test window");
+    }
+  }
+  if (cluster != nullptr && static_cast<size_t>(cluster->Size()) > plan.Points.size()) {
+    throw InputError("mpirun: " + std::to_string(cluster->Size()) + " ranks for " +
+                     std::to_string(plan.Points.size()) + " points; start at most " +
+                     std::to_string(plan.Points.size()) + " ranks");
+  }
+}
 
-int SweepCommand(const SweepOptions& options, std::ostream& out, std::ostream& err) {
-  (void)err;
-  SweepPlan plan = PlanSweep(options);
-  std::vector<QXDataSource> sources = LoadSources(plan.Inputs.Settings);
-  if (plan.Walk) return WalkForwardSweep(options, plan, sources, out);
+void ReportWritten(const SweepOptions& options, const OutputFolder& folder, std::ostream& out) {
+  if (options.Run.Quiet) return;
+  out << "\nwrote " << folder.Written().size() << " files to " << folder.Path().string() << '\n';
+}
+
+// The walk-forward sweep: each window optimised and tested.
+void WalkForwardSweep(const SweepOptions& options, SweepPlan& plan, const PointRunner& runner,
+                      std::ostream& out) {
   std::optional<OutputFolder>& folder = plan.Inputs.Folder;
-  if (folder) folder->Make();
+  WalkResult result;
+  {
+    HostServices services(plan.Inputs, folder ? folder->Path() : std::filesystem::current_path());
+    ProgressBar progress(!options.Run.Quiet, "runs");
+    result = RunWalkForward(plan.Setup, plan.Sources, plan.Points, plan.Goal, plan.Windows, runner,
+                            [&progress](int64_t done, int64_t total) { progress(done, total); });
+  }
+  const WalkContext context{&plan.Setup.AxisNames, &plan.Points, &plan.Times, plan.Goal,
+                            plan.Setup.Settings.Strategy.InitCapital};
+  if (!options.Run.Quiet) PrintWalkForward(out, context, result);
+  if (!folder) return;
+  folder->Write("walkforward.csv",
+                [&](std::ostream& file) { WriteWalkCsv(file, context, result); });
+  folder->Write("walkforward.json",
+                [&](std::ostream& file) { WriteWalkJson(file, context, result); });
+  folder->Write("equity.csv", [&](std::ostream& file) { WriteWalkEquityCsv(file, result); });
+  ReportWritten(options, *folder, out);
+}
 
+// The sweep of every point over all the bars.
+void WholeSweep(const SweepOptions& options, SweepPlan& plan, const PointRunner& runner,
+                std::ostream& out) {
+  std::optional<OutputFolder>& folder = plan.Inputs.Folder;
   std::vector<std::vector<double>> rows;
   {
     HostServices services(plan.Inputs, folder ? folder->Path() : std::filesystem::current_path());
     ProgressBar progress(!options.Run.Quiet, "points");
-    rows = RunPoints(plan.Setup, sources, plan.Points, plan.Jobs,
-                     [&progress](int64_t done, int64_t total) { progress(done, total); });
+    rows = runner(plan.Setup, plan.Sources, plan.Points,
+                  [&progress](int64_t done, int64_t total) { progress(done, total); });
   }
-
   const std::string& formula = plan.Setup.Info->Name;
   if (!options.Run.Quiet) {
     PrintBest(out, plan.Setup.AxisNames, plan.Points, rows, plan.Goal,
               static_cast<size_t>(options.Top));
   }
-  if (folder) {
-    folder->Write("results.csv", [&](std::ostream& file) {
-      WriteResultsCsv(file, plan.Setup.AxisNames, plan.Points, rows);
-    });
-    folder->Write("results.json", [&](std::ostream& file) {
-      WriteResultsJson(file, formula, plan.Setup.AxisNames, plan.Points, rows, plan.Goal);
-    });
-    if (!options.Run.Quiet) {
-      out << "\nwrote " << folder->Written().size() << " files to " << folder->Path().string()
-          << '\n';
-    }
+  if (!folder) return;
+  folder->Write("results.csv", [&](std::ostream& file) {
+    WriteResultsCsv(file, plan.Setup.AxisNames, plan.Points, rows);
+  });
+  folder->Write("results.json", [&](std::ostream& file) {
+    WriteResultsJson(file, formula, plan.Setup.AxisNames, plan.Points, rows, plan.Goal);
+  });
+  ReportWritten(options, *folder, out);
+}
+
+}  // namespace
+
+int SweepCommand(const SweepOptions& given, std::ostream& out, std::ostream& err) {
+  (void)err;
+  const std::unique_ptr<Cluster> cluster = Cluster::Join();
+  const bool lead = cluster == nullptr || cluster->Rank() == 0;
+  SweepOptions options = given;
+  if (!lead) {  // only the first rank prints and writes
+    options.Run.OutFolder.clear();
+    options.Run.Quiet = true;
+  }
+  std::optional<SweepPlan> plan;
+  std::optional<InputError> error;
+  try {
+    plan.emplace(PlanSweep(options, cluster.get()));
+    LoadBars(*plan, cluster.get());
+  } catch (const InputError& caught) {
+    if (cluster == nullptr) throw;
+    error = caught;
+  }
+  if (cluster != nullptr && !cluster->AllAgree(!error)) {
+    // Every rank stops; the first one says why.
+    if (!lead) return 2;
+    if (error) throw *error;
+    throw InputError(
+        "mpirun: another rank could not read its input (run it alone there to see why)");
+  }
+  if (plan->Inputs.Folder) plan->Inputs.Folder->Make();
+  const int jobs = plan->Jobs;
+  const PointRunner runner =
+      [&cluster, jobs](const SweepSetup& setup, std::vector<QXDataSource>& sources,
+                       const std::vector<ParamPoint>& points, const PointProgress& progress) {
+        return cluster != nullptr ? cluster->RunPoints(setup, sources, points, jobs, progress)
+                                  : RunPoints(setup, sources, points, jobs, progress);
+      };
+  if (plan->Walk) {
+    WalkForwardSweep(options, *plan, runner, out);
+  } else {
+    WholeSweep(options, *plan, runner, out);
   }
   return 0;
 }

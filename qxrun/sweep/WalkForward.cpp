@@ -178,7 +178,7 @@ std::vector<QXDataSource> SliceSources(const std::vector<QXDataSource>& sources,
 
 WalkResult RunWalkForward(const SweepSetup& setup, const std::vector<QXDataSource>& sources,
                           const std::vector<ParamPoint>& points, const Objective& objective,
-                          const std::vector<WalkWindow>& windows, int jobs,
+                          const std::vector<WalkWindow>& windows, const PointRunner& runner,
                           const PointProgress& progress) {
   WalkResult result;
   const double initCapital = setup.Settings.Strategy.InitCapital;
@@ -191,7 +191,7 @@ WalkResult RunWalkForward(const SweepSetup& setup, const std::vector<QXDataSourc
     step.Window = window;
     std::vector<QXDataSource> train = SliceSources(sources, window.TrainBegin, window.TrainEnd);
     const std::vector<std::vector<double>> rows =
-        RunPoints(setup, train, points, jobs, [&](int64_t count, int64_t) {
+        runner(setup, train, points, [&](int64_t count, int64_t) {
           if (progress) progress(done + count, total);
         });
     done += static_cast<int64_t>(points.size());

@@ -69,10 +69,10 @@ struct WalkResult {
   RunFigures OutOfSample;                     // the figures of the joined curve
 };
 
-// Runs the walk-forward sweep of `points` over `sources` with `jobs` threads per window.
+// Runs the walk-forward sweep of `points` over `sources`, each window's points through `runner`.
 WalkResult RunWalkForward(const SweepSetup& setup, const std::vector<QXDataSource>& sources,
                           const std::vector<ParamPoint>& points, const Objective& objective,
-                          const std::vector<WalkWindow>& windows, int jobs,
+                          const std::vector<WalkWindow>& windows, const PointRunner& runner,
                           const PointProgress& progress = {});
 
 }  // namespace qxrun
