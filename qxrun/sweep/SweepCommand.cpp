@@ -4,6 +4,7 @@
 #include "qxrun/InputError.h"
 #include "qxrun/ProgressBar.h"
 #include "qxrun/host/HostServices.h"
+#include "qxrun/report/SweepPage.h"
 #include "qxrun/sweep/Cluster.h"
 #include "qxrun/sweep/ParamGrid.h"
 #include "qxrun/sweep/PointRuns.h"
@@ -151,6 +152,19 @@ void WholeSweep(const SweepOptions& options, SweepPlan& plan, const PointRunner&
   folder->Write("results.json", [&](std::ostream& file) {
     WriteResultsJson(file, formula, plan.Setup.AxisNames, plan.Points, rows, plan.Goal);
   });
+  if (options.Run.Page) {
+    SweepPageData page{formula + " sweep",
+                       plan.Setup.AxisNames,
+                       plan.Points,
+                       FigureColumns(),
+                       rows,
+                       plan.Goal.Key,
+                       {}};
+    for (const std::string& column : FigureColumns()) {
+      if (FindObjective(column).Minimise) page.SmallerIsBetter.push_back(column);
+    }
+    folder->Write("sweep.html", [&](std::ostream& file) { WriteSweepPage(file, page); });
+  }
   ReportWritten(options, *folder, out);
 }
 
