@@ -5,6 +5,7 @@
 #include "qxrun/report/Tables.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <exception>
 #include <mutex>
 #include <thread>
@@ -92,6 +93,8 @@ std::vector<std::vector<double>> RunPoints(const SweepSetup& setup,
   if (failure) std::rethrow_exception(failure);
   return rows;
 }
+
+void NameLocalZone() { setenv("TZ", ":/etc/localtime", 0); }
 
 int DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()); }
 
