@@ -1,6 +1,10 @@
 #include "qxrun/pool/PoolPage.h"
 
+#include "qxrun/page/PageText.h"
 #include "qxrun/report/PageBuilder.h"
+
+#include <algorithm>
+#include <sstream>
 
 namespace qxrun {
 
@@ -73,9 +77,49 @@ PageData BuildPoolPageData(const RunHeading& heading, const RunFigures& figures,
   return page;
 }
 
+std::string HoldingsSvg(const std::vector<PoolSymbol>& symbols, const PoolBook& book) {
+  constexpr int kLabel = 160;  // width of the symbols' names
+  constexpr int kWidth = 1000;
+  constexpr int kRow = 18;
+  const size_t dates = std::max<size_t>(book.Times.size(), 1);
+  const auto x = [&](size_t date) {
+    return kLabel + static_cast<double>(date) * (kWidth - kLabel) / static_cast<double>(dates);
+  };
+  std::ostringstream svg;
+  svg << "<svg id=\"holdings\" xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << kWidth << ' '
+      << kRow * symbols.size() << "\" width=\"100%\" font-size=\"11\">";
+  for (size_t s = 0; s < symbols.size(); ++s) {
+    const double y = static_cast<double>(s * kRow);
+    svg << "<text x=\"0\" y=\"" << y + 13 << "\">" << EscapeHtml(symbols[s].Code) << "</text>";
+    // One bar per stretch of dates with the same holding.
+    size_t start = 0;
+    for (size_t date = 0; date <= book.Held.size(); ++date) {
+      const int8_t side = date < book.Held.size() ? book.Held[date][s] : 0;
+      const int8_t before = date > 0 ? book.Held[date - 1][s] : 0;
+      if (date > 0 && side == before) continue;
+      if (before != 0) {
+        svg << "<rect class=\"" << (before > 0 ? "long" : "short") << "\" x=\"" << x(start)
+            << "\" y=\"" << y + 3 << "\" width=\"" << x(date) - x(start) << "\" height=\""
+            << kRow - 6 << "\" fill=\"" << (before > 0 ? "#2962ff" : "#dc2626") << "\"/>";
+      }
+      start = date;
+    }
+  }
+  svg << "</svg>";
+  return svg.str();
+}
+
 void WritePoolPage(std::ostream& out, const RunHeading& heading, const RunFigures& figures,
                    const std::vector<PoolSymbol>& symbols, const PoolBook& book) {
-  WriteReportPage(BuildPoolPageData(heading, figures, symbols, book), out);
+  std::ostringstream page;
+  WriteReportPage(BuildPoolPageData(heading, figures, symbols, book), page);
+  // The holdings chart goes after the page's other sections.
+  std::string html = page.str();
+  const size_t end = html.rfind("</main>");
+  const std::string section = "<section id=\"holdings-section\"><h2>Holdings</h2>" +
+                              HoldingsSvg(symbols, book) + "</section>\n";
+  if (end != std::string::npos) html.insert(end, section);
+  out << html;
 }
 
 }  // namespace qxrun

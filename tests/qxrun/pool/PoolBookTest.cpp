@@ -1,4 +1,5 @@
 #include "qxrun/pool/PoolBook.h"
+#include "qxrun/pool/PoolPage.h"
 
 #include <gtest/gtest.h>
 
@@ -88,6 +89,19 @@ TEST(PoolBookTest, HoldingsEquityAndTradesFollowTheDecisionsAtTheClose) {
   EXPECT_EQ(last.ExitBar, 2);  // B's own last bar
   EXPECT_DOUBLE_EQ(last.ExitPrice, 17.0);
   EXPECT_DOUBLE_EQ(last.NetProfit, 6.0);
+
+  // The holdings chart draws one bar per stretch held: A long on days 1-2, B short on all four
+  // days, C long on day 3.
+  const std::string svg = HoldingsSvg(symbols, book);
+  size_t longs = 0;
+  size_t shorts = 0;
+  for (size_t at = svg.find("<rect"); at != std::string::npos; at = svg.find("<rect", at + 1)) {
+    (svg.compare(at, 18, "<rect class=\"long\"") == 0 ? longs : shorts) += 1;
+  }
+  EXPECT_EQ(longs, 2u);
+  EXPECT_EQ(shorts, 1u);
+  // Four dates over 840 units from x = 160: A spans days 1-2, 420 wide.
+  EXPECT_NE(svg.find("<rect class=\"long\" x=\"160\" y=\"3\" width=\"420\""), std::string::npos);
 }
 
 }  // namespace
