@@ -28,7 +28,7 @@ struct SweepPlan {
   std::vector<ParamPoint> Points;
   Objective Goal;
   int Jobs = 1;
-  std::optional<WalkSpec> Walk;
+  std::optional<WalkLengths> Walk;
   std::vector<QXDataSource> Sources;
   std::vector<int64_t> Times;  // of the main series' bars
   std::vector<WalkWindow> Windows;
@@ -78,7 +78,7 @@ SweepPlan PlanSweep(const SweepOptions& options, const Cluster* cluster) {
               : cluster != nullptr ? cluster->DefaultJobs()
                                    : DefaultJobs();
   if (options.Top <= 0) throw InputError("--top: must be positive");
-  if (!options.WalkForward.empty()) plan.Walk = ParseWalkSpec(options.WalkForward);
+  if (!options.WalkForward.empty()) plan.Walk = ParseWalkLengths(options.WalkForward);
   return plan;
 }
 

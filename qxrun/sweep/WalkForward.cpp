@@ -88,8 +88,8 @@ std::vector<double> TestFigures(const SweepSetup& setup, const std::vector<QXDat
 
 }  // namespace
 
-WalkSpec ParseWalkSpec(const std::string& text) {
-  WalkSpec spec;
+WalkLengths ParseWalkLengths(const std::string& text) {
+  WalkLengths lengths;
   bool train = false;
   bool test = false;
   size_t start = 0;
@@ -101,15 +101,15 @@ WalkSpec ParseWalkSpec(const std::string& text) {
     if (equals == std::string::npos || (key != "train" && key != "test")) {
       throw InputError("--walk-forward: \"" + item + "\" is not train=N or test=M");
     }
-    (key == "train" ? spec.Train : spec.Test) = ParseLength(item.substr(equals + 1), key);
+    (key == "train" ? lengths.Train : lengths.Test) = ParseLength(item.substr(equals + 1), key);
     (key == "train" ? train : test) = true;
     start = comma + 1;
   }
   if (!train || !test) throw InputError("--walk-forward: give both train=N and test=M");
-  return spec;
+  return lengths;
 }
 
-std::vector<WalkWindow> WalkWindows(const std::vector<int64_t>& times, const WalkSpec& spec) {
+std::vector<WalkWindow> WalkWindows(const std::vector<int64_t>& times, const WalkLengths& lengths) {
   std::vector<WalkWindow> windows;
   const size_t bars = times.size();
   if (bars == 0) return windows;
@@ -118,31 +118,31 @@ std::vector<WalkWindow> WalkWindows(const std::vector<int64_t>& times, const Wal
   for (;;) {
     WalkWindow window;
     window.TrainBegin = begin;
-    if (spec.Train.Unit == PeriodUnit::kBars) {
-      window.TrainEnd = begin + static_cast<size_t>(spec.Train.Count);
+    if (lengths.Train.Unit == PeriodUnit::kBars) {
+      window.TrainEnd = begin + static_cast<size_t>(lengths.Train.Count);
     } else {
-      window.TrainEnd = BarAtOrAfter(times, AddPeriod(startTime, spec.Train));
+      window.TrainEnd = BarAtOrAfter(times, AddPeriod(startTime, lengths.Train));
     }
     if (window.TrainEnd >= bars) break;
-    if (spec.Test.Unit == PeriodUnit::kBars) {
-      window.TestEnd = window.TrainEnd + static_cast<size_t>(spec.Test.Count);
+    if (lengths.Test.Unit == PeriodUnit::kBars) {
+      window.TestEnd = window.TrainEnd + static_cast<size_t>(lengths.Test.Count);
     } else {
-      const int64_t trainEndTime = spec.Train.Unit == PeriodUnit::kBars
+      const int64_t trainEndTime = lengths.Train.Unit == PeriodUnit::kBars
                                        ? times[window.TrainEnd]
-                                       : AddPeriod(startTime, spec.Train);
-      window.TestEnd = BarAtOrAfter(times, AddPeriod(trainEndTime, spec.Test));
+                                       : AddPeriod(startTime, lengths.Train);
+      window.TestEnd = BarAtOrAfter(times, AddPeriod(trainEndTime, lengths.Test));
     }
     window.TestEnd = std::min(window.TestEnd, bars);
     if (window.TrainBegin < window.TrainEnd && window.TrainEnd < window.TestEnd) {
       windows.push_back(window);
     }
     // The next window starts one test length later.
-    if (spec.Test.Unit == PeriodUnit::kBars) {
-      begin += static_cast<size_t>(spec.Test.Count);
+    if (lengths.Test.Unit == PeriodUnit::kBars) {
+      begin += static_cast<size_t>(lengths.Test.Count);
       if (begin >= bars) break;
       startTime = times[begin];
     } else {
-      startTime = AddPeriod(startTime, spec.Test);
+      startTime = AddPeriod(startTime, lengths.Test);
       begin = BarAtOrAfter(times, startTime);
       if (begin >= bars) break;
     }

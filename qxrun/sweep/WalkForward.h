@@ -28,14 +28,14 @@ struct WalkLength {
   PeriodUnit Unit = PeriodUnit::kBars;
 };
 
-struct WalkSpec {
+struct WalkLengths {
   WalkLength Train;
   WalkLength Test;
 };
 
 // Parses "train=N,test=M"; a length is a count of bars, or of days, months or years with the
 // suffix d, m or y ("250", "2y", "6m"). Throws InputError naming --walk-forward.
-WalkSpec ParseWalkSpec(const std::string& text);
+WalkLengths ParseWalkLengths(const std::string& text);
 
 // Bars [TrainBegin, TrainEnd) train, [TrainEnd, TestEnd) test.
 struct WalkWindow {
@@ -48,7 +48,7 @@ struct WalkWindow {
 // bar's time in local time; a window starts at the first bar at or after its start. The last
 // test window may be shorter than the others. Windows without a training or a test bar are left
 // out.
-std::vector<WalkWindow> WalkWindows(const std::vector<int64_t>& times, const WalkSpec& spec);
+std::vector<WalkWindow> WalkWindows(const std::vector<int64_t>& times, const WalkLengths& lengths);
 
 // The sources restricted to the main series' bars [begin, end): the other series keep the bars
 // stamped within the same times.

@@ -38,7 +38,7 @@ std::string Day(const std::vector<int64_t>& times, size_t bar) {
 
 TEST(WalkForwardTest, BarWindowsRollByTheTestLength) {
   // 10 bars, train 4, test 3: [0,4) then [4,7); [3,7) then [7,10); a third would train to 10.
-  const std::vector<WalkWindow> three = WalkWindows(Steps(10), ParseWalkSpec("train=4,test=3"));
+  const std::vector<WalkWindow> three = WalkWindows(Steps(10), ParseWalkLengths("train=4,test=3"));
   ASSERT_EQ(three.size(), 2u);
   EXPECT_EQ(three[0].TrainBegin, 0u);
   EXPECT_EQ(three[0].TrainEnd, 4u);
@@ -47,18 +47,18 @@ TEST(WalkForwardTest, BarWindowsRollByTheTestLength) {
   EXPECT_EQ(three[1].TrainEnd, 7u);
   EXPECT_EQ(three[1].TestEnd, 10u);
   // Test 4: the second test window is cut short by the end of the bars: [8,10).
-  const std::vector<WalkWindow> four = WalkWindows(Steps(10), ParseWalkSpec("test=4,train=4"));
+  const std::vector<WalkWindow> four = WalkWindows(Steps(10), ParseWalkLengths("test=4,train=4"));
   ASSERT_EQ(four.size(), 2u);
   EXPECT_EQ(four[1].TrainBegin, 4u);
   EXPECT_EQ(four[1].TrainEnd, 8u);
   EXPECT_EQ(four[1].TestEnd, 10u);
-  EXPECT_TRUE(WalkWindows(Steps(10), ParseWalkSpec("train=10,test=1")).empty());
+  EXPECT_TRUE(WalkWindows(Steps(10), ParseWalkLengths("train=10,test=1")).empty());
 }
 
 TEST(WalkForwardTest, CalendarWindowsStartAtTheFirstBarOfTheirPeriod) {
   // Weekdays of 2013-01-01 to 2013-06-30; two months train, one month tests.
   const std::vector<int64_t> times = Weekdays(2013, 1, 1, 181);
-  const std::vector<WalkWindow> windows = WalkWindows(times, ParseWalkSpec("train=2m,test=1m"));
+  const std::vector<WalkWindow> windows = WalkWindows(times, ParseWalkLengths("train=2m,test=1m"));
   ASSERT_EQ(windows.size(), 4u);
   // Train from Jan 1, Feb 1 (a Friday), Mar 1, Apr 1; test from Mar 1, Apr 1, May 1 and June 1,
   // a Saturday, whose first bar is Monday June 3; the last test ends with the bars.
@@ -71,9 +71,9 @@ TEST(WalkForwardTest, CalendarWindowsStartAtTheFirstBarOfTheirPeriod) {
     EXPECT_EQ(Day(times, windows[i].TestEnd - 1), testLast[i]) << i;
   }
   // A year of training with 10-day tests over the same half year: none fits.
-  EXPECT_TRUE(WalkWindows(times, ParseWalkSpec("train=1y,test=10d")).empty());
+  EXPECT_TRUE(WalkWindows(times, ParseWalkLengths("train=1y,test=10d")).empty());
   // Days: 30 days of training from Jan 1 end before Jan 31 (a Thursday).
-  const std::vector<WalkWindow> days = WalkWindows(times, ParseWalkSpec("train=30d,test=7d"));
+  const std::vector<WalkWindow> days = WalkWindows(times, ParseWalkLengths("train=30d,test=7d"));
   ASSERT_FALSE(days.empty());
   EXPECT_EQ(Day(times, days[0].TrainEnd), "2013-01-31");
   EXPECT_EQ(Day(times, days[0].TestEnd), "2013-02-07");
@@ -83,17 +83,17 @@ TEST(WalkForwardTest, MalformedSpecificationsAreRefused) {
   for (const char* text : {"train=0,test=5", "train=5", "test=5", "size=1,test=2",
                            "train=3w,test=1", "train=,test=1", "train=-2,test=1", "train=2y"}) {
     try {
-      ParseWalkSpec(text);
+      ParseWalkLengths(text);
       ADD_FAILURE() << "accepted: " << text;
     } catch (const InputError& error) {
       EXPECT_EQ(std::string(error.what()).find("--walk-forward: "), 0u) << error.what();
     }
   }
-  const WalkSpec spec = ParseWalkSpec("train=2y,test=30d");
-  EXPECT_EQ(spec.Train.Count, 2);
-  EXPECT_EQ(spec.Train.Unit, PeriodUnit::kYears);
-  EXPECT_EQ(spec.Test.Count, 30);
-  EXPECT_EQ(spec.Test.Unit, PeriodUnit::kDays);
+  const WalkLengths lengths = ParseWalkLengths("train=2y,test=30d");
+  EXPECT_EQ(lengths.Train.Count, 2);
+  EXPECT_EQ(lengths.Train.Unit, PeriodUnit::kYears);
+  EXPECT_EQ(lengths.Test.Count, 30);
+  EXPECT_EQ(lengths.Test.Unit, PeriodUnit::kDays);
 }
 
 TEST(WalkForwardTest, SlicesKeepTheOtherSeriesWithinTheMainSeriesTimes) {
