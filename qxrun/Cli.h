@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <memory>
 #include <ostream>
 
 namespace qxrun {
@@ -17,6 +18,19 @@ struct Command {
   std::function<int(std::ostream& out, std::ostream& err)> Run;
 };
 
+// A sub-command `name` that runs `run` with the options its flags fill in.
+template <typename Options>
+Command MakeCommand(CLI::App& app, const char* name, const char* help,
+                    std::shared_ptr<Options> options,
+                    int (*run)(const Options&, std::ostream&, std::ostream&)) {
+  Command command;
+  command.App = app.add_subcommand(name, help);
+  command.Run = [options, run](std::ostream& out, std::ostream& err) {
+    return run(*options, out, err);
+  };
+  return command;
+}
+
 // The options every mode that runs a formula shares: --data, --formula, --param, --config,
 // --out, --capital, --lots, --quiet, --no-page. `options` must outlive the parse.
 void AddRunOptions(CLI::App& command, RunOptions& options);
@@ -26,6 +40,9 @@ Command AddRunCommand(CLI::App& app);
 Command AddFormulasCommand(CLI::App& app);
 // `qxrun replay` (replay/ReplayCommand.cpp).
 Command AddReplayCommand(CLI::App& app);
+// `qxrun sweep` (sweep/SweepCommand.cpp) and `qxrun pool` (pool/PoolCommand.cpp).
+Command AddSweepCommand(CLI::App& app);
+Command AddPoolCommand(CLI::App& app);
 
 }  // namespace qxrun
 

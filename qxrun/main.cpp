@@ -22,6 +22,8 @@ int main(int argc, char** argv) {
       qxrun::AddRunCommand(app),
       qxrun::AddFormulasCommand(app),
       qxrun::AddReplayCommand(app),
+      qxrun::AddSweepCommand(app),
+      qxrun::AddPoolCommand(app),
   };
 
   try {

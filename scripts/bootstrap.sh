@@ -24,6 +24,8 @@ packages=(
   libfast-float-dev
   libsqlite3-dev
   chromium
+  libopenmpi-dev
+  openmpi-bin
 )
 # The HTML page's chart library comes from npm: Node.js and npm from Debian unless the machine
 # already has an npm (a Node.js distribution that bundles npm conflicts with Debian's npm).

@@ -1,7 +1,7 @@
 // Stock picker: ranks the symbols of a pool by their `length`-bar rate of change and holds the
 // best `top` long. Each bar it gives its sort value and, from its rank, the decision to hold or
-// not; the library follows the decision at the next bar's open. Run alone, the pool holds one
-// symbol, which is then always the best.
+// not (`qxrun pool` holds the symbol from that bar's close). Run alone, outside a pool, it reads
+// no rank and decides nothing.
 #include "qxrun/formulas/Bundled.h"
 
 namespace qxrun {

@@ -56,7 +56,7 @@ void HostInstance::Run(const FormulaInfo& info, const std::map<std::string, doub
   Start(info, params);
   int32_t nextReport = every;
   for (int32_t bar = 0; bar < bars; ++bar) {
-    Evaluate(funcs, bar, outputMode_);
+    Step(funcs, bar, outputMode_);
     if (progress && bar + 1 == nextReport) {
       progress(bar + 1, bars);
       nextReport += every;
@@ -70,7 +70,7 @@ void HostInstance::Start(const FormulaInfo& info, const std::map<std::string, do
   formula_ = info.Create(*context_);
 }
 
-void HostInstance::Evaluate(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode) {
+void HostInstance::Step(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode) {
   const auto bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
   data_.CurrentData = 0;
   data_.CurrentBar = bar;
@@ -91,7 +91,7 @@ void HostInstance::RunHistory(int32_t end) {
   data_.CurrentBar = 0;
   data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
   CSystemFuncs funcs(&data_);
-  for (int32_t bar = 0; bar < end; ++bar) Evaluate(funcs, bar, outputMode_);
+  for (int32_t bar = 0; bar < end; ++bar) Step(funcs, bar, outputMode_);
 }
 
 void HostInstance::Reevaluate(int32_t bar, bool chart) {
@@ -105,13 +105,44 @@ void HostInstance::Reevaluate(int32_t bar, bool chart) {
   data_.CurrentBar = bar;
   data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
   CSystemFuncs funcs(&data_);
-  Evaluate(funcs, bar, chart ? 0 : outputMode_);
+  Step(funcs, bar, chart ? 0 : outputMode_);
 }
 
 void HostInstance::MarkBarStart() {
   const StrategyAccount& account = *data_.Account;
   CopyAccountBlock(account, barStart_);
   barStart_.EquityPoints = account.EquityCurve.size();
+}
+
+void HostInstance::Begin(const FormulaInfo& info, const std::map<std::string, double>& params) {
+  data_.CurrentData = 0;
+  data_.CurrentBar = 0;
+  funcs_ = std::make_unique<CSystemFuncs>(&data_);
+  Start(info, params);
+  evaluatedBar_ = -1;
+}
+
+void HostInstance::Evaluate(int32_t bar) {
+  const auto bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = bars;
+  if (bar == evaluatedBar_ && bar == bars - 1) {
+    // The last bar anew: a new object rolls the state back to the bar's start.
+    funcs_.reset();
+    funcs_ = std::make_unique<CSystemFuncs>(&data_);
+  }
+  data_.OutputMode = 0;
+  formula_->OnBar(*funcs_);
+  evaluatedBar_ = bar;
+}
+
+void HostInstance::Checkout(int32_t bar) {
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  data_.OutputMode = outputMode_;
+  funcs_->BarCheckout();
 }
 
 }  // namespace qxrun

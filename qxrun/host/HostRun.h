@@ -57,6 +57,15 @@ class HostInstance {
   // Keeps the account's own block as the state the next bar starts from.
   void MarkBarStart();
 
+  // Bar by bar, for modes that interleave instances (a pool). Begin creates the formula at bar
+  // 0; Evaluate runs its body on `bar`, and again on the same bar when called twice (a body that
+  // keeps its state in series variables then leaves what one run would; on the last bar the
+  // second run starts from the state at the bar's start); Checkout checks the bar out. Bars go
+  // in increasing order, each evaluated before it is checked out.
+  void Begin(const FormulaInfo& info, const std::map<std::string, double>& params);
+  void Evaluate(int32_t bar);
+  void Checkout(int32_t bar);
+
   CQXBaseData& Data() { return data_; }
   const CQXBaseData& Data() const { return data_; }
   const StrategyAccount& Account() const { return *data_.Account; }
@@ -75,13 +84,17 @@ class HostInstance {
     size_t EquityPoints = 0;
   };
 
-  void Evaluate(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode);
+  // The body on `bar`, then the checkout in `checkoutMode`.
+  void Step(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode);
 
   CQXBaseData data_;
   int32_t outputMode_;
   std::unique_ptr<FormulaContext> context_;
   std::unique_ptr<Formula> formula_;
   AccountBlock barStart_;
+  // The object of Begin, Evaluate and Checkout.
+  std::unique_ptr<CSystemFuncs> funcs_;
+  int32_t evaluatedBar_ = -1;
 };
 
 }  // namespace qxrun

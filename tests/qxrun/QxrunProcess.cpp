@@ -1,5 +1,7 @@
 #include "qxrun/QxrunProcess.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -45,6 +47,28 @@ std::vector<std::string> FilesIn(const std::filesystem::path& folder) {
     names.push_back(entry.path().filename().string());
   }
   return names;
+}
+
+std::vector<std::vector<std::string>> CsvRows(const std::string& text) {
+  std::vector<std::vector<std::string>> rows;
+  std::istringstream lines(text);
+  std::string line;
+  while (std::getline(lines, line)) {
+    std::vector<std::string>& row = rows.emplace_back();
+    std::istringstream cells(line);
+    std::string cell;
+    while (std::getline(cells, cell, ',')) row.push_back(cell);
+    if (!line.empty() && line.back() == ',') row.emplace_back();
+  }
+  return rows;
+}
+
+void ExpectRefused(const ProcessResult& result, const std::string& says,
+                   const std::filesystem::path& out) {
+  EXPECT_EQ(result.ExitCode, 2) << says;
+  EXPECT_NE(result.Err.find(says), std::string::npos) << result.Err;
+  EXPECT_EQ(result.Err.find('\n'), result.Err.size() - 1) << "one line: " << result.Err;
+  EXPECT_TRUE(FilesIn(out).empty()) << says;
 }
 
 namespace {

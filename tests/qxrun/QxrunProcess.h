@@ -35,6 +35,14 @@ ProcessResult RunQxrun(const std::filesystem::path& folder, const std::vector<st
 
 std::string ReadFile(const std::filesystem::path& file);
 
+// The rows of a CSV text split at commas (no quoting), the header row included.
+std::vector<std::vector<std::string>> CsvRows(const std::string& text);
+
+// Checks a run refused as bad input: exit code 2, one line on standard error that holds
+// `says`, and nothing in the folder `out`.
+void ExpectRefused(const ProcessResult& result, const std::string& says,
+                   const std::filesystem::path& out);
+
 // Files left in a folder (none when it does not exist).
 std::vector<std::string> FilesIn(const std::filesystem::path& folder);
 

@@ -1,0 +1,101 @@
+#include "qxrun/sweep/PointRuns.h"
+
+#include "qxrun/host/HostRun.h"
+#include "qxrun/report/RunFiles.h"
+#include "qxrun/report/Tables.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <exception>
+#include <mutex>
+#include <thread>
+
+namespace qxrun {
+
+const std::vector<std::string>& FigureColumns() {
+  static const std::vector<std::string> columns = [] {
+    std::vector<std::string> names;
+    for (const StatRow& row : StatRows(RunFigures{})) {
+      names.push_back(row.Key);
+      if (row.HasSides) {
+        names.push_back(row.Key + "_long");
+        names.push_back(row.Key + "_short");
+      }
+    }
+    return names;
+  }();
+  return columns;
+}
+
+std::vector<double> FigureValues(const RunFigures& figures) {
+  std::vector<double> values;
+  values.reserve(FigureColumns().size());
+  for (const StatRow& row : StatRows(figures)) {
+    values.push_back(row.All);
+    if (row.HasSides) {
+      values.push_back(row.Long);
+      values.push_back(row.Short);
+    }
+  }
+  return values;
+}
+
+std::map<std::string, double> PointParams(const SweepSetup& setup, const ParamPoint& point) {
+  std::map<std::string, double> params = setup.BaseParams;
+  for (size_t i = 0; i < point.size() && i < setup.AxisNames.size(); ++i) {
+    params[setup.AxisNames[i]] = point[i];
+  }
+  return params;
+}
+
+RunFigures RunPointFigures(const SweepSetup& setup, std::vector<QXDataSource>& sources,
+                           const ParamPoint& point, PointTrace* trace) {
+  HostInstance instance(sources, setup.Settings, setup.Info->Name);
+  instance.Run(*setup.Info, PointParams(setup, point));
+  if (trace != nullptr) {
+    trace->EquityCurve = instance.Account().EquityCurve;
+    trace->Trades = instance.Account().Trades;
+  }
+  return ComputeRunFigures(setup.Settings, sources, instance.Account());
+}
+
+std::vector<std::vector<double>> RunPoints(const SweepSetup& setup,
+                                           std::vector<QXDataSource>& sources,
+                                           const std::vector<ParamPoint>& points, int jobs,
+                                           const PointProgress& progress) {
+  std::vector<std::vector<double>> rows(points.size());
+  std::atomic<size_t> next{0};
+  std::mutex mutex;  // guards `done`, `failure` and the progress calls
+  int64_t done = 0;
+  std::exception_ptr failure;
+  const auto work = [&] {
+    for (;;) {
+      const size_t index = next.fetch_add(1);
+      if (index >= points.size()) return;
+      try {
+        rows[index] = FigureValues(RunPointFigures(setup, sources, points[index]));
+      } catch (...) {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (!failure) failure = std::current_exception();
+        next = points.size();  // the others stop after their current point
+        return;
+      }
+      const std::lock_guard<std::mutex> lock(mutex);
+      ++done;
+      if (progress) progress(done, static_cast<int64_t>(points.size()));
+    }
+  };
+  const size_t threads = std::min(points.size(), static_cast<size_t>(std::max(jobs, 1)));
+  std::vector<std::thread> workers;
+  for (size_t i = 1; i < threads; ++i) workers.emplace_back(work);
+  work();  // the calling thread is one of the workers
+  for (std::thread& worker : workers) worker.join();
+  if (failure) std::rethrow_exception(failure);
+  return rows;
+}
+
+void NameLocalZone() { setenv("TZ", ":/etc/localtime", 0); }
+
+int DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()); }
+
+}  // namespace qxrun

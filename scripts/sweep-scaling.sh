@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# The scaling figures of `qxrun sweep` on this machine: sweep_bench (1 and 2 threads in one
+# process, start-up of a point, memory per worker), then whole `qxrun sweep` runs of 1121 points
+# with 1 thread, 2 threads and 2 MPI ranks of 1 thread each, 3 times each, reporting the median
+# wall time and the processor time (user + system, the ranks' included).
+# Usage: scripts/sweep-scaling.sh [build folder, default build]
+set -euo pipefail
+build=${1:-build}
+root=$(cd "$(dirname "$0")/.." && pwd)
+qxrun=$build/qxrun/qxrun
+bars=$root/examples/data/orcl-1995-2014.txt
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export QXRUN_HOME=$work/home
+
+echo "load average: $(cut -d' ' -f1-3 /proc/loadavg) on $(nproc) processors"
+"$build/bench/sweep_bench" 5
+
+sweep=(sweep --data "$bars" --formula ma_cross --param fast=2:60:1 --param slow=20:200:10 --quiet)
+measure() {  # name, command...: median wall and processor seconds of 3 runs
+  local name=$1
+  shift
+  local walls=() cpus=()
+  for _ in 1 2 3; do
+    local start end
+    start=$(date +%s.%N)
+    local before after
+    before=$(awk '{print $14+$15+$16+$17}' /proc/$$/stat)
+    "$@" >/dev/null
+    end=$(date +%s.%N)
+    after=$(awk '{print $14+$15+$16+$17}' /proc/$$/stat)
+    walls+=("$(echo "$end - $start" | bc)")
+    cpus+=("$(echo "($after - $before) / $(getconf CLK_TCK)" | bc -l)")
+  done
+  local wall cpu
+  wall=$(printf '%s\n' "${walls[@]}" | sort -g | sed -n 2p)
+  cpu=$(printf '%s\n' "${cpus[@]}" | sort -g | sed -n 2p)
+  printf '%-22s %6.1f points/s  (median %.2f s wall, %.2f s processor)\n' "$name" \
+    "$(echo "1121 / $wall" | bc -l)" "$wall" "$cpu"
+}
+measure "1 thread" "$qxrun" "${sweep[@]}" --jobs 1
+measure "2 threads" "$qxrun" "${sweep[@]}" --jobs 2
+if command -v mpirun >/dev/null; then
+  measure "2 MPI ranks" mpirun -np 2 --allow-run-as-root --oversubscribe "$qxrun" "${sweep[@]}" --jobs 1
+fi
