@@ -26,7 +26,10 @@ void WriteReportPage(const PageData& data, std::ostream& out) {
     if (name == "STYLE") return std::string(page_assets::PageStyle());
     if (name == "LIBRARY") return ScriptSafeCode(page_assets::ChartLibrary());
     if (name == "SCRIPT") return ScriptSafeCode(page_assets::PageScript());
-    return "@" + std::string(name) + "@";
+    std::string unknown(1, '@');  // not a slot: the text stays as it was
+    unknown.append(name);
+    unknown += '@';
+    return unknown;
   };
   const std::string_view page = page_assets::PageTemplate();
   size_t at = 0;
