@@ -1,6 +1,7 @@
 #include "qxrun/report/Tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 namespace qxrun {
 namespace {
@@ -38,6 +40,30 @@ class CsvWriter {
     char text[400];
     buffer_.append(text,
                    std::to_chars(text, text + sizeof(text), value, std::chars_format::fixed).ptr);
+    return *this;
+  }
+  // A column whose value often stays the same from one row to the next (capital, lots, costs):
+  // the text of its last value is kept and copied again while the value (bit for bit) is.
+  class RepeatedNumber {
+   public:
+    std::string_view Text(double value) {
+      const auto bits = std::bit_cast<uint64_t>(value);
+      if (size_ == 0 || bits != bits_) {
+        bits_ = bits;
+        size_ = static_cast<size_t>(
+            std::to_chars(text_, text_ + sizeof(text_), value, std::chars_format::fixed).ptr -
+            text_);
+      }
+      return {text_, size_};
+    }
+
+   private:
+    uint64_t bits_ = 0;
+    size_t size_ = 0;
+    char text_[400];
+  };
+  CsvWriter& Number(double value, RepeatedNumber& column) {
+    buffer_ += column.Text(value);
     return *this;
   }
   CsvWriter& Time(int64_t millis) {
@@ -387,12 +413,20 @@ void WriteEquityCsv(std::ostream& out, const StrategyAccount& account, double in
   csv.Text("bar,time,equity,capital,drawdown,long_lots,short_lots,margin,bar_cost");
   csv.EndRow();
   double peak = initCapital;
+  // Capital, lots and costs change only with the orders: most rows repeat their text.
+  CsvWriter::RepeatedNumber capital;
+  CsvWriter::RepeatedNumber drawdown;
+  CsvWriter::RepeatedNumber longLots;
+  CsvWriter::RepeatedNumber shortLots;
+  CsvWriter::RepeatedNumber margin;
+  CsvWriter::RepeatedNumber barCost;
   for (const EquityPoint& point : account.EquityCurve) {
     peak = std::max(peak, point.Equity);
     csv.Int(point.Bar).Comma().Time(point.Time).Comma().Number(point.Equity).Comma();
-    csv.Number(point.Capital).Comma().Number(point.Equity - peak).Comma().Number(point.LongLots);
-    csv.Comma().Number(point.ShortLots).Comma().Number(point.LongMargin + point.ShortMargin);
-    csv.Comma().Number(point.BarCost);
+    csv.Number(point.Capital, capital).Comma().Number(point.Equity - peak, drawdown).Comma();
+    csv.Number(point.LongLots, longLots).Comma().Number(point.ShortLots, shortLots).Comma();
+    csv.Number(point.LongMargin + point.ShortMargin, margin).Comma();
+    csv.Number(point.BarCost, barCost);
     csv.EndRow();
   }
 }
