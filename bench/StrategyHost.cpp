@@ -21,6 +21,16 @@ std::vector<QXBar> MakeRandomWalkBars(int count, uint64_t seed) {
   return bars;
 }
 
+bool StrategyAdapter::GetSymbolProperty(const tagSymbol& /*symbol*/,
+                                        Quill::ICodeProperty& property) {
+  property.MinMove = 1;
+  property.PriceScale = 1.0f;
+  property.ContractUnit = 1;
+  property.BigPointValue = 1.0f;
+  property.MarginKind = 4;
+  return true;
+}
+
 StrategyHost::StrategyHost(const std::vector<std::vector<QXBar>>& series, int count) {
   sources.resize(static_cast<size_t>(count));
   for (int index = 0; index < count; ++index) {

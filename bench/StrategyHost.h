@@ -3,6 +3,7 @@
 #ifndef SYSFUNCS_BENCH_STRATEGY_HOST_H_
 #define SYSFUNCS_BENCH_STRATEGY_HOST_H_
 
+#include "sysfuncs/DataAdapter.h"
 #include "sysfuncs/HostData.h"
 
 #include <cstdint>
@@ -16,6 +17,14 @@ inline constexpr double kBenchCommission = 2.0;  // money per lot, entries and e
 // `count` minute bars of a random walk in whole price units from 3000 (never below 100), so that
 // every price lies on the tick of 1; `seed` picks the walk.
 std::vector<QXBar> MakeRandomWalkBars(int count, uint64_t seed);
+
+// A platform that knows every symbol as the contract the runs assume: money value 1 per price
+// unit and lot, margin the rate times the price (kind 4), tick 1. A host has one; without it the
+// property list of every series but the first is asked for again on each use.
+class StrategyAdapter : public CDataAdapter {
+ public:
+  bool GetSymbolProperty(const tagSymbol& symbol, Quill::ICodeProperty& property) override;
+};
 
 // A host's data object over the first `count` of `series` (all of the same length), each traded
 // under the same settings: margin rate 0.1, commission 2 per lot, one entry of one lot at most.

@@ -340,18 +340,20 @@ using StrategyAccountPtr = IceUtil::Handle<StrategyAccount>;
 // Output
 
 // One bar of one plot series. Locators hold the invalid number until one is given.
+// The flags sit together beside the colour, so that a cell holds no padding (72 bytes): a plot
+// series keeps one cell per bar.
 struct PlotCell {
-  bool boolSet = false;
   double boolLocator = sysfuncs::kInvalidNumber;
-  bool boolValue = false;
-  bool numericSet = false;
   double numericLocator = sysfuncs::kInvalidNumber;
   double numericValue = 0.0;
-  bool stringSet = false;
   double stringLocator = sysfuncs::kInvalidNumber;
   std::string text;
-  bool colorSet = false;
   int32_t color = 0;  // -1: no colour
+  bool boolSet = false;
+  bool boolValue = false;
+  bool numericSet = false;
+  bool stringSet = false;
+  bool colorSet = false;
 };
 
 // A named plot series, one cell per bar.

@@ -63,6 +63,46 @@ class MonthOf {
   int32_t month_ = 0;
 };
 
+// The per-bar returns of an equity curve, r[i] = E[i] / E[i-1] - 1 for every bar whose previous
+// equity is positive, read from the curve as they are iterated rather than held: a list of them
+// would cost 8 bytes a bar at the run's peak memory.
+class CurveReturns {
+ public:
+  CurveReturns(const std::vector<EquityPoint>& curve, double initCapital, size_t count)
+      : curve_(curve), initCapital_(initCapital), count_(count) {}
+
+  class Iterator {
+   public:
+    Iterator(const CurveReturns& owner, size_t index) : owner_(owner), index_(index) { Skip(); }
+    double operator*() const { return owner_.curve_[index_].Equity / Previous() - 1.0; }
+    Iterator& operator++() {
+      ++index_;
+      Skip();
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return index_ != other.index_; }
+
+   private:
+    double Previous() const {
+      return index_ == 0 ? owner_.initCapital_ : owner_.curve_[index_ - 1].Equity;
+    }
+    void Skip() {
+      while (index_ < owner_.curve_.size() && !(Previous() > 0.0)) ++index_;
+    }
+    const CurveReturns& owner_;
+    size_t index_;
+  };
+
+  Iterator begin() const { return Iterator(*this, 0); }
+  Iterator end() const { return Iterator(*this, curve_.size()); }
+  size_t size() const { return count_; }  // the returns the iteration yields
+
+ private:
+  const std::vector<EquityPoint>& curve_;
+  double initCapital_;
+  size_t count_;
+};
+
 void FinishSide(TradeSide& side, const std::vector<double>& profits, double bars, double days,
                 double mae, double mfe) {
   const double count = side.Trades;
@@ -192,8 +232,7 @@ RunFigures ComputeFigures(const std::vector<QXDataSource>& sources,
   }
 
   // Returns, drawdown episodes, exposure and periods in one pass over the curve.
-  std::vector<double> returns;
-  returns.reserve(curve.size());
+  size_t returnCount = 0;
   double downsideSquares = 0.0;
   double previous = initCapital;
   double peak = initCapital;
@@ -223,7 +262,7 @@ RunFigures ComputeFigures(const std::vector<QXDataSource>& sources,
     const double equity = curve[i].Equity;
     if (previous > 0.0) {
       const double r = equity / previous - 1.0;
-      returns.push_back(r);
+      ++returnCount;
       if (r < 0.0) downsideSquares += r * r;
     }
     previous = equity;
@@ -266,12 +305,12 @@ RunFigures ComputeFigures(const std::vector<QXDataSource>& sources,
   }
   if (!curve.empty()) figures.Exposure = static_cast<double>(barsHeld) / curve.size();
 
-  const Moments moments = MomentsOf(returns);
+  const Moments moments = MomentsOf(CurveReturns(curve, initCapital, returnCount));
   const double annual = std::sqrt(figures.BarsPerYear);
   figures.Volatility = moments.Deviation * annual;
   if (moments.Deviation > 0.0) figures.Sharpe = moments.Mean / moments.Deviation * annual;
   if (downsideSquares > 0.0) {
-    figures.Sortino = moments.Mean / std::sqrt(downsideSquares / returns.size()) * annual;
+    figures.Sortino = moments.Mean / std::sqrt(downsideSquares / returnCount) * annual;
   }
   if (figures.MaxDrawdownPct > 0.0) figures.Calmar = figures.Cagr / figures.MaxDrawdownPct;
   if (figures.MaxDrawdown < 0.0) figures.RecoveryFactor = figures.NetProfit / -figures.MaxDrawdown;

@@ -1,6 +1,7 @@
 #include "qxrun/report/Tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -10,6 +11,7 @@
 #include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 namespace qxrun {
 namespace {
@@ -40,6 +42,30 @@ class CsvWriter {
                    std::to_chars(text, text + sizeof(text), value, std::chars_format::fixed).ptr);
     return *this;
   }
+  // A column whose value often stays the same from one row to the next (capital, lots, costs):
+  // the text of its last value is kept and copied again while the value (bit for bit) is.
+  class RepeatedNumber {
+   public:
+    std::string_view Text(double value) {
+      const auto bits = std::bit_cast<uint64_t>(value);
+      if (size_ == 0 || bits != bits_) {
+        bits_ = bits;
+        size_ = static_cast<size_t>(
+            std::to_chars(text_, text_ + sizeof(text_), value, std::chars_format::fixed).ptr -
+            text_);
+      }
+      return {text_, size_};
+    }
+
+   private:
+    uint64_t bits_ = 0;
+    size_t size_ = 0;
+    char text_[400];
+  };
+  CsvWriter& Number(double value, RepeatedNumber& column) {
+    buffer_ += column.Text(value);
+    return *this;
+  }
   CsvWriter& Time(int64_t millis) {
     buffer_ += clock_(millis);
     return *this;
@@ -57,33 +83,78 @@ class CsvWriter {
     buffer_.clear();
   }
 
-  // Local time texts with one calendar conversion per quarter hour: zone offsets change only
-  // at quarter hours, so the seconds within one are added to its start.
+  // Local time texts "YYYY-MM-DD HH:MM:SS". The zone's offset is asked for once per day (no zone
+  // changes it twice within a day; a day with a change is split where it falls), the date once
+  // per local day, and the time of day is counted from the offset. A zone whose clock counts leap
+  // seconds disagrees with that count: its texts are converted one by one.
   class Clock {
    public:
     const char* operator()(int64_t millis) {
-      const int64_t seconds = millis >= 0 ? millis / 1000 : (millis - 999) / 1000;
-      const int64_t block = seconds >= 0 ? seconds / 900 : (seconds - 899) / 900;
-      if (block != block_) {
-        block_ = block;
-        const std::time_t start = static_cast<std::time_t>(block * 900);
-        localtime_r(&start, &start_);
-        // "YYYY-MM-DD HH:MM:SS": the date changes only with the quarter hour.
-        std::memcpy(text_, "0000-00-00 00:00:00", 20);
-        Digits(text_, start_.tm_year + 1900, 4);
-        Digits(text_ + 5, start_.tm_mon + 1, 2);
-        Digits(text_ + 8, start_.tm_mday, 2);
+      const int64_t seconds = FloorDivide(millis, 1000);
+      if (seconds < spanStart_ || seconds >= spanEnd_) Enter(seconds);
+      if (!counted_) {
+        std::tm fields{};
+        Convert(seconds, fields);
+        WriteDate(fields);
+        WriteTime(fields.tm_hour, fields.tm_min, fields.tm_sec);
+        return text_;
       }
-      const int64_t within = seconds - block * 900;
-      const int minute = start_.tm_min + static_cast<int>(within / 60);
-      const int second = start_.tm_sec + static_cast<int>(within % 60);
-      Digits(text_ + 11, start_.tm_hour, 2);
-      Digits(text_ + 14, minute, 2);
-      Digits(text_ + 17, second, 2);
+      const int64_t local = seconds + offset_;
+      const int64_t day = FloorDivide(local, kSecondsPerDay);
+      if (day != day_) {
+        day_ = day;
+        std::tm fields{};
+        Convert(seconds, fields);
+        WriteDate(fields);
+      }
+      const auto second = static_cast<int>(local - day * kSecondsPerDay);
+      WriteTime(second / 3600, second % 3600 / 60, second % 60);
       return text_;
     }
 
    private:
+    static constexpr int64_t kSecondsPerDay = 86400;
+
+    static int64_t FloorDivide(int64_t value, int64_t divisor) {
+      return value >= 0 ? value / divisor : (value - divisor + 1) / divisor;
+    }
+    // The local fields of `seconds` and the zone's offset east of UTC then.
+    static int64_t Convert(int64_t seconds, std::tm& fields) {
+      const auto instant = static_cast<std::time_t>(seconds);
+      if (localtime_r(&instant, &fields) == nullptr) fields = std::tm{};
+      return fields.tm_gmtoff;
+    }
+    // Starts the span of constant offset that holds `seconds`.
+    void Enter(int64_t seconds) {
+      std::tm fields{};
+      offset_ = Convert(seconds, fields);
+      const int64_t ofDay =
+          seconds + offset_ - FloorDivide(seconds + offset_, kSecondsPerDay) * kSecondsPerDay;
+      counted_ = fields.tm_hour * 3600 + fields.tm_min * 60 + fields.tm_sec == ofDay;
+      day_ = std::numeric_limits<int64_t>::min();
+      spanStart_ = seconds;
+      int64_t high = seconds + kSecondsPerDay;
+      std::tm ignored{};
+      if (Convert(high, ignored) != offset_) {
+        // The first second of the new offset.
+        int64_t low = seconds;
+        while (high - low > 1) {
+          const int64_t middle = low + (high - low) / 2;
+          (Convert(middle, ignored) == offset_ ? low : high) = middle;
+        }
+      }
+      spanEnd_ = high;
+    }
+    void WriteDate(const std::tm& fields) {
+      Digits(text_, fields.tm_year + 1900, 4);
+      Digits(text_ + 5, fields.tm_mon + 1, 2);
+      Digits(text_ + 8, fields.tm_mday, 2);
+    }
+    void WriteTime(int hour, int minute, int second) {
+      Digits(text_ + 11, hour, 2);
+      Digits(text_ + 14, minute, 2);
+      Digits(text_ + 17, second, 2);
+    }
     static void Digits(char* at, int value, int width) {
       for (int i = width - 1; i >= 0; --i) {
         at[i] = static_cast<char>('0' + value % 10);
@@ -91,9 +162,13 @@ class CsvWriter {
       }
     }
 
-    int64_t block_ = std::numeric_limits<int64_t>::min();
-    std::tm start_{};
-    char text_[40] = {};
+    int64_t spanStart_ = 1;  // [spanStart_, spanEnd_): seconds of the offset offset_
+    int64_t spanEnd_ = 0;
+    int64_t offset_ = 0;
+    bool counted_ = false;  // the time of day is counted from the offset
+    int64_t day_ = std::numeric_limits<int64_t>::min();  // the local day the date text is of
+    char text_[20] = {'0', '0', '0', '0', '-', '0', '0', '-', '0', '0',
+                      ' ', '0', '0', ':', '0', '0', ':', '0', '0', '\0'};
   };
 
  private:
@@ -387,12 +462,20 @@ void WriteEquityCsv(std::ostream& out, const StrategyAccount& account, double in
   csv.Text("bar,time,equity,capital,drawdown,long_lots,short_lots,margin,bar_cost");
   csv.EndRow();
   double peak = initCapital;
+  // Capital, lots and costs change only with the orders: most rows repeat their text.
+  CsvWriter::RepeatedNumber capital;
+  CsvWriter::RepeatedNumber drawdown;
+  CsvWriter::RepeatedNumber longLots;
+  CsvWriter::RepeatedNumber shortLots;
+  CsvWriter::RepeatedNumber margin;
+  CsvWriter::RepeatedNumber barCost;
   for (const EquityPoint& point : account.EquityCurve) {
     peak = std::max(peak, point.Equity);
     csv.Int(point.Bar).Comma().Time(point.Time).Comma().Number(point.Equity).Comma();
-    csv.Number(point.Capital).Comma().Number(point.Equity - peak).Comma().Number(point.LongLots);
-    csv.Comma().Number(point.ShortLots).Comma().Number(point.LongMargin + point.ShortMargin);
-    csv.Comma().Number(point.BarCost);
+    csv.Number(point.Capital, capital).Comma().Number(point.Equity - peak, drawdown).Comma();
+    csv.Number(point.LongLots, longLots).Comma().Number(point.ShortLots, shortLots).Comma();
+    csv.Number(point.LongMargin + point.ShortMargin, margin).Comma();
+    csv.Number(point.BarCost, barCost);
     csv.EndRow();
   }
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace sysfuncs {
@@ -24,7 +25,7 @@ bool IsLeadByte(char c) {
 // The target bar of a plot call, or nothing when the call is refused.
 std::optional<int32_t> Admit(const CQXBaseData& data, const std::string& name, int32_t barsAgo) {
   if (data.OutputMode != 0) return std::nullopt;
-  if (name == kInvalidText) return std::nullopt;
+  if (name == std::string_view(kInvalidText)) return std::nullopt;
   const int64_t target = int64_t{data.CurrentBar} - barsAgo;  // no overflow for any barsAgo
   if (target < 0 || target >= data.BarCount) return std::nullopt;
   return static_cast<int32_t>(target);
@@ -48,15 +49,16 @@ bool Plot(CQXBaseData& data, const std::string& name, int32_t color, int32_t bar
   const std::optional<int32_t> target = Admit(data, name, barsAgo);
   if (!target) return false;
   PlotSeries* found = FindSeries(data, name);
-  PlotSeries created;
-  PlotSeries& series = found != nullptr ? *found : created;
-  if (found == nullptr) created.name = name;
+  // A new series is built aside (only when there is none of the name yet).
+  std::optional<PlotSeries> created;
+  if (found == nullptr) created.emplace().name = name;
+  PlotSeries& series = found != nullptr ? *found : *created;
   series.cells.resize(static_cast<size_t>(data.BarCount));
   PlotCell& cell = series.cells[static_cast<size_t>(*target)];
   fill(cell);
   cell.colorSet = color != -1;
   cell.color = color;
-  if (found == nullptr) data.Plots.push_back(std::move(created));
+  if (created) data.Plots.push_back(std::move(*created));
   return true;
 }
 
@@ -64,6 +66,7 @@ bool Plot(CQXBaseData& data, const std::string& name, int32_t color, int32_t bar
 
 bool SameSeriesName(const std::string& left, const std::string& right) {
   if (left.size() != right.size()) return false;
+  if (left == right) return true;  // the usual case: a formula names a series the same each time
   for (size_t i = 0; i < left.size(); ++i) {
     if (IsLeadByte(left[i]) && i + 1 < left.size()) {
       // A double-byte character: the lead bytes fold as themselves, the second bytes are equal.

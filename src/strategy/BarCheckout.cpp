@@ -130,23 +130,27 @@ void SFImpl::RepositionRollovers() {
   StrategyAccount& account = *m_spStrategyAccount;
   const int32_t bar = data.CurrentBar;
   // The main series' bar stamps the point; it is looked up once.
-  const QXBar* mainBar = data.DataCount > 0 ? &SeriesBar(0) : nullptr;
+  const int32_t count = data.DataCount;
+  const QXBar* mainBar = count > 0 ? &SeriesBar(0) : nullptr;
+  const bool singlePriceBars = SinglePriceBars();
   sysfuncs::PositionValue total;
   double barCost = 0.0;
   bool anyOrder = false;
-  for (int32_t index = 0; index < data.DataCount; ++index) {
+  for (int32_t index = 0; index < count; ++index) {
     StrategyLedger& ledger = data.Ledgers[index];
     if (sysfuncs::HasOrdersOnBar(ledger, bar)) {
       anyOrder = true;
       barCost += sysfuncs::CostOfBarOrders(ledger.Orders, bar);
     }
-    sysfuncs::PositionValue value;
-    if (!ledger.OpenEntries.empty()) {
-      value =
-          sysfuncs::ValuePosition(ledger.OpenEntries, index == 0 ? *mainBar : SeriesBar(index), bar,
-                                  SinglePriceBars(), TermsOf(index), data.CostSettings[index]);
-      total += value;
+    // A flat series values to nothing; its open-profit extremes move towards 0.
+    if (ledger.OpenEntries.empty()) {
+      sysfuncs::UpdateOpenExtremes(ledger.Stats, sysfuncs::PositionValue{});
+      continue;
     }
+    const sysfuncs::PositionValue value =
+        sysfuncs::ValuePosition(ledger.OpenEntries, index == 0 ? *mainBar : SeriesBar(index), bar,
+                                singlePriceBars, TermsOf(index), data.CostSettings[index]);
+    total += value;
     sysfuncs::UpdateOpenExtremes(ledger.Stats, value);
   }
 
@@ -177,10 +181,12 @@ void SFImpl::RepositionRollovers() {
     sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, nullptr);
   }
 
-  // Ledgers past DataCount keep no orders of the bar unless a host addressed them.
-  for (size_t index = static_cast<size_t>(std::max(data.DataCount, 0));
-       !anyOrder && index < data.Ledgers.size(); ++index) {
-    anyOrder = sysfuncs::HasOrdersOnBar(data.Ledgers[index], bar);
+  // Ledgers past DataCount keep no orders of the bar unless a host addressed them. (The loop
+  // above reads a ledger for every series: there are at least DataCount.)
+  const StrategyLedger* const ledgerEnd = data.Ledgers.data() + data.Ledgers.size();
+  for (const StrategyLedger* ledger = data.Ledgers.data() + std::max(count, 0);
+       !anyOrder && ledger < ledgerEnd; ++ledger) {
+    anyOrder = sysfuncs::HasOrdersOnBar(*ledger, bar);
   }
   if (anyOrder) {
     sysfuncs::RecordBarOrders(account, data.Ledgers, bar);

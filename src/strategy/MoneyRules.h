@@ -6,6 +6,7 @@
 #include "sysfuncs/HostData.h"
 
 #include <cstdint>
+#include <type_traits>
 
 namespace sysfuncs {
 
@@ -23,24 +24,54 @@ enum class PriceDirection { kBuy, kSell };
 // Tolerance of the order engine for zero and equality of prices and amounts.
 inline constexpr double kAmountTolerance = 0.0001;
 
+// The margin kinds, as the money rules tell them apart: kinds 2 and 3 follow one rule, and any
+// kind outside 1 to 5 is kind 0 (no margin, no profit).
+inline constexpr int32_t RuleKind(int32_t marginKind) {
+  return marginKind == 3 ? 2 : (marginKind >= 1 && marginKind <= 5 ? marginKind : 0);
+}
+
+// Calls `visit` with the rule kind of `marginKind` as a compile-time constant
+// (std::integral_constant), so that a loop over many values picks its rule once.
+template <class Visit>
+inline decltype(auto) WithRuleKind(int32_t marginKind, Visit&& visit) {
+  switch (RuleKind(marginKind)) {
+    case 1:
+      return visit(std::integral_constant<int32_t, 1>{});
+    case 2:
+      return visit(std::integral_constant<int32_t, 2>{});
+    case 4:
+      return visit(std::integral_constant<int32_t, 4>{});
+    case 5:
+      return visit(std::integral_constant<int32_t, 5>{});
+    default:
+      return visit(std::integral_constant<int32_t, 0>{});
+  }
+}
+
+// Margin of `lots` lots at `price` under rule kind kKind (see Margin below).
+template <int32_t kKind>
+inline double MarginOfKind(const ContractTerms& terms, const CostSetting& cost, double lots,
+                           double price) {
+  if constexpr (kKind == 1) {
+    return terms.ContractSize * lots * price * cost.MarginRate;
+  } else if constexpr (kKind == 2) {
+    return terms.ContractSize * lots * cost.MarginRate;
+  } else if constexpr (kKind == 4) {
+    return terms.LotValue * lots * price * cost.MarginRate;
+  } else if constexpr (kKind == 5) {
+    return terms.LotValue * lots * price;  // the full value: the rate does not apply
+  } else {
+    return 0.0;
+  }
+}
+
 // Margin of `lots` lots at `price`: kind 1 ContractSize x lots x price x rate; kinds 2 and 3
 // ContractSize x lots x rate; kind 4 LotValue x lots x price x rate; kind 5 LotValue x lots x
 // price (no rate); any other kind 0. Inline: every checkout values every open entry with it.
 inline double Margin(const ContractTerms& terms, const CostSetting& cost, double lots,
                      double price) {
-  switch (terms.MarginKind) {
-    case 1:
-      return terms.ContractSize * lots * price * cost.MarginRate;
-    case 2:
-    case 3:
-      return terms.ContractSize * lots * cost.MarginRate;
-    case 4:
-      return terms.LotValue * lots * price * cost.MarginRate;
-    case 5:
-      return terms.LotValue * lots * price;  // the full value: the rate does not apply
-    default:
-      return 0.0;
-  }
+  return WithRuleKind(terms.MarginKind,
+                      [&](auto kind) { return MarginOfKind<kind()>(terms, cost, lots, price); });
 }
 
 // Commission of `lots` lots at `price`, by the commission kind: 1 ticks per lot, 2 a fraction of
@@ -58,33 +89,48 @@ double EntryCost(const ContractTerms& terms, const CostSetting& cost, double lot
 double ExitCost(const ContractTerms& terms, const CostSetting& cost, double lots, double price,
                 bool sameTradingDay);
 
+// Profit of one lot under rule kind kKind (see PerLotProfit below).
+template <int32_t kKind>
+inline double PerLotProfitOfKind(const ContractTerms& terms, bool isLong, double entryPrice,
+                                 double price) {
+  const double gain = isLong ? price - entryPrice : entryPrice - price;
+  if constexpr (kKind == 1) {
+    return terms.ContractSize * gain;
+  } else if constexpr (kKind == 2) {
+    // The gain is taken relative to the price; at a price of 0 (a no-trade bar) there is none.
+    return price != 0.0 ? terms.ContractSize * gain / price : 0.0;
+  } else if constexpr (kKind == 4 || kKind == 5) {
+    return terms.LotValue * gain;
+  } else {
+    return 0.0;
+  }
+}
+
 // Profit of one lot bought (`isLong`) or sold short at `entryPrice` and valued at `price`: kinds
 // 4 and 5 LotValue x (price - entry); kind 1 ContractSize x (price - entry); kinds 2 and 3
 // ContractSize x (price - entry) / price; any other kind 0. A short lot gains (entry - price).
 inline double PerLotProfit(const ContractTerms& terms, bool isLong, double entryPrice,
                            double price) {
-  const double gain = isLong ? price - entryPrice : entryPrice - price;
-  switch (terms.MarginKind) {
-    case 1:
-      return terms.ContractSize * gain;
-    case 2:
-    case 3:
-      // The gain is taken relative to the price; at a price of 0 (a no-trade bar) there is none.
-      return price != 0.0 ? terms.ContractSize * gain / price : 0.0;
-    case 4:
-    case 5:
-      return terms.LotValue * gain;
-    default:
-      return 0.0;
-  }
+  return WithRuleKind(terms.MarginKind, [&](auto kind) {
+    return PerLotProfitOfKind<kind()>(terms, isLong, entryPrice, price);
+  });
+}
+
+// Return of `profit` on the margin of one lot at `entryPrice`, under rule kind kKind.
+template <int32_t kKind>
+inline double ReturnOnMarginOfKind(const ContractTerms& terms, const CostSetting& cost,
+                                   double profit, double entryPrice) {
+  // A lot that needs no margin earns no return rather than a division by zero.
+  const double margin = MarginOfKind<kKind>(terms, cost, 1.0, entryPrice);
+  return margin != 0.0 ? profit / margin : 0.0;
 }
 
 // Return of `profit` on the margin of one lot at `entryPrice`.
 inline double ReturnOnMargin(const ContractTerms& terms, const CostSetting& cost, double profit,
                              double entryPrice) {
-  // A lot that needs no margin earns no return rather than a division by zero.
-  const double margin = Margin(terms, cost, 1.0, entryPrice);
-  return margin != 0.0 ? profit / margin : 0.0;
+  return WithRuleKind(terms.MarginKind, [&](auto kind) {
+    return ReturnOnMarginOfKind<kind()>(terms, cost, profit, entryPrice);
+  });
 }
 
 // `price` moved onto the tick grid of `tickSize`, up for a buy and down for a sell, except that a

@@ -106,25 +106,47 @@ SideResult SideOf(const std::vector<TradeRecord>& trades, bool longSide, bool pe
   return side;
 }
 
-std::vector<PeriodResult> PeriodResults(const StrategyAccount& account, double initCapital,
-                                        bool months) {
-  std::vector<PeriodResult> periods;
+namespace {
+
+// The periods of the curve, point by point: each new period starts from the capital the last one
+// ended with.
+class PeriodTally {
+ public:
+  PeriodTally(std::vector<PeriodResult>& periods, double initCapital)
+      : periods_(periods), startCapital_(initCapital) {
+    periods_.clear();
+  }
+
+  void Add(int32_t period, double capital) {
+    if (periods_.empty() || periods_.back().Period != period) {
+      if (!periods_.empty()) startCapital_ = lastCapital_;
+      periods_.push_back({period, 0.0, 0.0});
+    }
+    lastCapital_ = capital;
+    PeriodResult& current = periods_.back();
+    current.NetProfit = lastCapital_ - startCapital_;
+    current.Return = startCapital_ > 0.0 ? current.NetProfit / startCapital_ : 0.0;
+  }
+
+ private:
+  std::vector<PeriodResult>& periods_;
+  double startCapital_;
+  double lastCapital_ = startCapital_;
+};
+
+}  // namespace
+
+void PeriodResults(const StrategyAccount& account, double initCapital,
+                   std::vector<PeriodResult>& years, std::vector<PeriodResult>& months) {
+  PeriodTally yearTally(years, initCapital);
+  PeriodTally monthTally(months, initCapital);
+  // The calendar fields of a point serve both lists: one conversion per point.
   LocalCalendar calendar;
-  double startCapital = initCapital;
-  double lastCapital = initCapital;
   for (const EquityPoint& point : account.EquityCurve) {
     const CalendarFields fields = calendar.Fields(InstantSeconds(point.Time));
-    const int32_t period = months ? fields.Year * 100 + fields.Month : fields.Year;
-    if (periods.empty() || periods.back().Period != period) {
-      if (!periods.empty()) startCapital = lastCapital;
-      periods.push_back({period, 0.0, 0.0});
-    }
-    lastCapital = point.Capital;
-    PeriodResult& current = periods.back();
-    current.NetProfit = lastCapital - startCapital;
-    current.Return = startCapital > 0.0 ? current.NetProfit / startCapital : 0.0;
+    yearTally.Add(fields.Year, point.Capital);
+    monthTally.Add(fields.Year * 100 + fields.Month, point.Capital);
   }
-  return periods;
 }
 
 double MarginUse(const StrategyAccount& account) {
@@ -176,8 +198,7 @@ PerformanceReport ComputeReport(const StrategyAccount& account, const CQXBaseDat
     report.MarginUse = MarginUse(account);
     report.MaxMarginUsed = account.Detail.MaxTotalMargin;
     report.MaxLotsHeld = account.Detail.MaxTotalLots;
-    report.Years = PeriodResults(account, initCapital, false);
-    report.Months = PeriodResults(account, initCapital, true);
+    PeriodResults(account, initCapital, report.Years, report.Months);
   }
   return report;
 }

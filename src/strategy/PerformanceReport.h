@@ -47,10 +47,11 @@ SideResult SideOf(const std::vector<TradeRecord>& trades, bool longSide, bool pe
 
 // --- Detail.
 
-// Per year (YYYY) or month (YYYYMM) of the curve: capital at its end - capital at its start, and
-// that / capital at its start (0 when that is 0 or below); empty with no point.
-std::vector<PeriodResult> PeriodResults(const StrategyAccount& account, double initCapital,
-                                        bool months);
+// Per year (YYYY) and per month (YYYYMM) of the curve: capital at its end - capital at its
+// start, and that / capital at its start (0 when that is 0 or below); empty with no point. One
+// pass over the curve fills both lists.
+void PeriodResults(const StrategyAccount& account, double initCapital,
+                   std::vector<PeriodResult>& years, std::vector<PeriodResult>& months);
 // Share of the bars with margin in use, between 0 and 1; 0 with no point.
 double MarginUse(const StrategyAccount& account);
 

@@ -38,30 +38,42 @@ struct PositionValue {
   }
 };
 
-// Values `entries` on bar `barIndex` (`bar`). An entry made on that bar, and every entry of a
-// single-price series, is valued at the Close only; earlier entries reach the High and the Low.
-// Inline: the checkout values every open position on every bar.
-inline PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& bar,
-                                   int32_t barIndex, bool singlePriceBars,
-                                   const ContractTerms& terms, const CostSetting& cost) {
+// ValuePosition under rule kind kKind of the money rules: the rule is picked once per position,
+// not once per value.
+template <int32_t kKind>
+inline PositionValue ValueEntriesOfKind(const std::vector<EntryLot>& entries, const QXBar& bar,
+                                        int32_t barIndex, bool singlePriceBars,
+                                        const ContractTerms& terms, const CostSetting& cost) {
   PositionValue value;
   for (const EntryLot& entry : entries) {
     const bool isLong = IsLongKind(entry.Kind);
     const bool closeOnly = singlePriceBars || entry.Bar >= barIndex;
     const double high = closeOnly ? bar.Close : bar.High;
     const double low = closeOnly ? bar.Close : bar.Low;
-    const double atClose = PerLotProfit(terms, isLong, entry.Price, bar.Close) * entry.Lots;
-    const double atHigh = PerLotProfit(terms, isLong, entry.Price, high) * entry.Lots;
-    const double atLow = PerLotProfit(terms, isLong, entry.Price, low) * entry.Lots;
-    const double margin = Margin(terms, cost, entry.Lots, bar.Close);
+    const double atClose =
+        PerLotProfitOfKind<kKind>(terms, isLong, entry.Price, bar.Close) * entry.Lots;
+    const double atHigh = PerLotProfitOfKind<kKind>(terms, isLong, entry.Price, high) * entry.Lots;
+    const double atLow = PerLotProfitOfKind<kKind>(terms, isLong, entry.Price, low) * entry.Lots;
+    const double margin = MarginOfKind<kKind>(terms, cost, entry.Lots, bar.Close);
     (isLong ? value.LongMargin : value.ShortMargin) += margin;
     (isLong ? value.LongLots : value.ShortLots) += entry.Lots;
     value.OpenProfit += atClose;
-    value.OpenReturn += ReturnOnMargin(terms, cost, atClose, entry.Price) * 100.0;
+    value.OpenReturn += ReturnOnMarginOfKind<kKind>(terms, cost, atClose, entry.Price) * 100.0;
     value.BestProfit += isLong ? atHigh : atLow;
     value.WorstProfit += isLong ? atLow : atHigh;
   }
   return value;
+}
+
+// Values `entries` on bar `barIndex` (`bar`). An entry made on that bar, and every entry of a
+// single-price series, is valued at the Close only; earlier entries reach the High and the Low.
+// Inline: the checkout values every open position on every bar.
+inline PositionValue ValuePosition(const std::vector<EntryLot>& entries, const QXBar& bar,
+                                   int32_t barIndex, bool singlePriceBars,
+                                   const ContractTerms& terms, const CostSetting& cost) {
+  return WithRuleKind(terms.MarginKind, [&](auto kind) {
+    return ValueEntriesOfKind<kind()>(entries, bar, barIndex, singlePriceBars, terms, cost);
+  });
 }
 
 // Moves the series' running open-profit extremes out to the position's best and worst case; a

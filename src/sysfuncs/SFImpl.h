@@ -169,6 +169,11 @@ class SFImpl : public IceUtil::Shared {
   const QXBar& SeriesBar(int32_t dataIndex) const {
     static const QXBar kNoBar;
     const std::vector<QXBar>& bars = DataSource(dataIndex).Bars;
+    // A negative CurrentBar wraps to a huge index: one comparison covers the usual case.
+    const auto bar = static_cast<size_t>(static_cast<uint32_t>(m_pData->CurrentBar));
+    if (bar < bars.size()) [[likely]] {
+      return bars[bar];
+    }
     return bars.empty() ? kNoBar : bars[SeriesBarIndex(dataIndex)];
   }
   // Index of that bar: CurrentBar, or the series' last bar when it has fewer bars (-1: none).

@@ -93,6 +93,29 @@ TEST(FiguresTest, EquityFiguresFollowTheirDefinitions) {
   EXPECT_NEAR(f.YearReturns[0].NetProfit, 16.64, 1e-9);
 }
 
+// A bar whose previous equity is not positive has no return: equity 100, 50, 0, -10, 20, 40
+// (initial capital 100) gives the returns 0, -.5, -1 and 1 (40 / 20 - 1), none for the bars after
+// 0 and -10. Mean -.125; squared deviations .015625 + .140625 + .765625 + 1.265625 = 2.1875,
+// sample deviation sqrt(2.1875 / 3); downside sqrt((.25 + 1) / 4). Six bars over 1.25 years:
+// 4 bars a year.
+TEST(FiguresTest, ReturnsSkipBarsAfterAnEquityOfZeroOrLess) {
+  SmallRun run;
+  const double equity[] = {100, 50, 0, -10, 20, 40};
+  for (int bar = 0; bar < 6; ++bar) {
+    EquityPoint point;
+    point.Bar = bar;
+    point.Time = kStart + bar * kQuarterYear;
+    point.Equity = equity[bar];
+    run.Account.EquityCurve.push_back(point);
+  }
+  const qxrun::RunFigures f = qxrun::ComputeFigures(run.Sources, {1.0}, run.Account, 100.0);
+  ASSERT_NEAR(f.BarsPerYear, 4.0, 1e-9);
+  const double deviation = std::sqrt(2.1875 / 3.0);
+  EXPECT_NEAR(f.Volatility, deviation * 2.0, 1e-12);
+  EXPECT_NEAR(f.Sharpe, -0.125 / deviation * 2.0, 1e-12);
+  EXPECT_NEAR(f.Sortino, -0.125 / std::sqrt(1.25 / 4.0) * 2.0, 1e-12);
+}
+
 TEST(FiguresTest, TradeFiguresPerSideWithExcursions) {
   SmallRun run;
   Build(run);

@@ -18,6 +18,78 @@
 namespace sysfuncs::testing {
 namespace {
 
+// A position valued under each margin kind of the series (ContractSize 10, LotValue 300, margin
+// rate 0.1) on a bar of Open 50, High 55, Low 45, Close 52: two longs, 2 lots at 50 from an
+// earlier bar (reaching the High and the Low) and 1 lot at 51 of this bar (the Close only), and a
+// short of 1 lot at 53 from an earlier bar. Kinds 2 and 3 share a rule; kinds outside 1 to 5
+// value to nothing but the lots.
+TEST(BarCheckout, PositionsAreValuedByTheMarginKindOfTheirSeries) {
+  const std::vector<EntryLot> entries = {EntryLot{kBuy, 3, 0, 2.0, 50.0, 0.0},
+                                         EntryLot{kBuy, 5, 0, 1.0, 51.0, 0.0},
+                                         EntryLot{kSellShort, 3, 0, 1.0, 53.0, 0.0}};
+  const QXBar bar = MakeBar(0, 50, 55, 45, 52);
+  struct Row {
+    int32_t kind;
+    double longMargin, shortMargin, openProfit, openReturn, best, worst;
+  };
+  const Row rows[] = {
+      // Profit 300 x gain x lots: at the Close 1200 + 300 + 300; best 3000 + 300 + 2400 (the
+      // short at the Low), worst -3000 + 300 - 600. Margin 300 x lots x 52 x 0.1; returns on one
+      // lot's margin at the entry price: 1200 / 1500, 300 / 1530, 300 / 1590.
+      {4, 4680.0, 1560.0, 1800.0, 100.0 * (1200.0 / 1500 + 300.0 / 1530 + 300.0 / 1590), 5700.0,
+       -3300.0},
+      // The full value as margin, and so as the base of the returns.
+      {5, 46800.0, 15600.0, 1800.0, 100.0 * (1200.0 / 15000 + 300.0 / 15300 + 300.0 / 15900),
+       5700.0, -3300.0},
+      // ContractSize 10 x gain x lots.
+      {1, 156.0, 52.0, 60.0, 100.0 * (40.0 / 50 + 10.0 / 51 + 10.0 / 53), 190.0, -110.0},
+      // ContractSize 10 x gain / price x lots; margin 10 x lots x 0.1, one lot's margin 1.
+      {2, 3.0, 1.0, 40.0 / 52 + 10.0 / 52 + 10.0 / 52, 100.0 * (40.0 / 52 + 10.0 / 52 + 10.0 / 52),
+       100.0 / 55 + 10.0 / 52 + 80.0 / 45, -100.0 / 45 + 10.0 / 52 - 20.0 / 55},
+      {3, 3.0, 1.0, 40.0 / 52 + 10.0 / 52 + 10.0 / 52, 100.0 * (40.0 / 52 + 10.0 / 52 + 10.0 / 52),
+       100.0 / 55 + 10.0 / 52 + 80.0 / 45, -100.0 / 45 + 10.0 / 52 - 20.0 / 55},
+      {0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0},
+      {6, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0},
+      {-1, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0},
+  };
+  for (const Row& row : rows) {
+    const PositionValue value =
+        ValuePosition(entries, bar, 5, false, ContractTerms{row.kind, 10.0, 300.0, 0.2},
+                      CostSetting{.MarginRate = 0.1});
+    EXPECT_NEAR(value.LongMargin, row.longMargin, 1e-9) << "kind " << row.kind;
+    EXPECT_NEAR(value.ShortMargin, row.shortMargin, 1e-9) << "kind " << row.kind;
+    EXPECT_EQ(value.LongLots, 3.0) << "kind " << row.kind;
+    EXPECT_EQ(value.ShortLots, 1.0) << "kind " << row.kind;
+    EXPECT_NEAR(value.OpenProfit, row.openProfit, 1e-9) << "kind " << row.kind;
+    EXPECT_NEAR(value.OpenReturn, row.openReturn, 1e-9) << "kind " << row.kind;
+    EXPECT_NEAR(value.BestProfit, row.best, 1e-9) << "kind " << row.kind;
+    EXPECT_NEAR(value.WorstProfit, row.worst, 1e-9) << "kind " << row.kind;
+  }
+}
+
+// The engine reads bar CurrentBar of each series; a series with fewer bars gives its last one, a
+// CurrentBar below 0 the first, and a series without bars an empty bar.
+TEST(BarCheckout, SeriesBarsAreClampedToTheBarsOfTheirSeries) {
+  TestHost host;
+  host.AddSource("MAIN", EvenBars(0, 60000, 5, 100.0));
+  host.AddSource("SHORT", {MakeBar(0, 1, 1, 1, 11), MakeBar(60000, 2, 2, 2, 12),
+                           MakeBar(120000, 3, 3, 3, 13)});
+  host.AddSource("NONE", {});
+  host.At(0, 0);
+  SFImpl impl(&host.data);
+  const struct {
+    int32_t currentBar;
+    double closes[3];
+  } rows[] = {{-1, {100, 11, 0}}, {1, {100, 12, 0}}, {2, {100, 13, 0}}, {4, {100, 13, 0}}};
+  for (const auto& row : rows) {
+    host.data.CurrentBar = row.currentBar;
+    for (int32_t index = 0; index < 3; ++index) {
+      EXPECT_EQ(impl.SeriesBar(index).Close, row.closes[index])
+          << "bar " << row.currentBar << " of series " << index;
+    }
+  }
+}
+
 // Single-price bars read High and Low as the Close; entries of the bar are met in the scenarios.
 TEST(BarCheckout, SinglePriceBarsValueTheExtremesAtTheClose) {
   const std::vector<EntryLot> entries = {EntryLot{kBuy, 0, 0, 2.0, 100.0, 0.0}};  // lot value 10
