@@ -65,6 +65,7 @@ void MakeBars(const std::filesystem::path& file, long bars) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  qxrun::NameLocalZone();  // as qxrun does
   const long bars = argc > 1 ? std::atol(argv[1]) : 1000000;
   const std::filesystem::path folder =
       argc > 2 ? std::filesystem::path(argv[2]) : std::filesystem::temp_directory_path();

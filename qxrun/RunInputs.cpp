@@ -14,6 +14,8 @@ RunInputs::~RunInputs() = default;
 RunInputs::RunInputs(RunInputs&&) noexcept = default;
 RunInputs& RunInputs::operator=(RunInputs&&) noexcept = default;
 
+void NameLocalZone() { setenv("TZ", ":/etc/localtime", 0); }
+
 std::filesystem::path DefaultUserDir() {
   if (const char* home = std::getenv("QXRUN_HOME"); home != nullptr && *home != '\0') return home;
   if (const char* home = std::getenv("HOME"); home != nullptr && *home != '\0') {

@@ -55,6 +55,11 @@ RunInputs PrepareRun(const RunOptions& options);
 // Loads the bar file of every symbol as a data source. Throws InputError naming the file.
 std::vector<QXDataSource> LoadSources(const RunSettings& settings);
 
+// Names the local time zone for the C library when TZ is unset (TZ=":/etc/localtime", the same
+// zone): without it every conversion to local time looks at /etc/localtime again, a file system
+// call per conversion. Call once at the start, before any thread starts.
+void NameLocalZone();
+
 // $QXRUN_HOME, else ~/.qxrun.
 std::filesystem::path DefaultUserDir();
 

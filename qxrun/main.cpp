@@ -15,15 +15,13 @@ constexpr const char* kVersion = "0.1.0";
 }  // namespace
 
 int main(int argc, char** argv) {
+  qxrun::NameLocalZone();
   CLI::App app{"qxrun: run trading-strategy formulas on bar files and report the results"};
   app.set_version_flag("--version", std::string("qxrun ") + kVersion);
   app.require_subcommand(1);
   const std::vector<qxrun::Command> commands = {
-      qxrun::AddRunCommand(app),
-      qxrun::AddFormulasCommand(app),
-      qxrun::AddReplayCommand(app),
-      qxrun::AddSweepCommand(app),
-      qxrun::AddPoolCommand(app),
+      qxrun::AddRunCommand(app),   qxrun::AddFormulasCommand(app), qxrun::AddReplayCommand(app),
+      qxrun::AddSweepCommand(app), qxrun::AddPoolCommand(app),
   };
 
   try {

@@ -94,8 +94,6 @@ std::vector<std::vector<double>> RunPoints(const SweepSetup& setup,
   return rows;
 }
 
-void NameLocalZone() { setenv("TZ", ":/etc/localtime", 0); }
-
 int DefaultJobs() { return std::max(1u, std::thread::hardware_concurrency()); }
 
 }  // namespace qxrun

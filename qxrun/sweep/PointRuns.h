@@ -60,11 +60,6 @@ using PointRunner = std::function<std::vector<std::vector<double>>(
     const SweepSetup& setup, std::vector<QXDataSource>& sources,
     const std::vector<ParamPoint>& points, const PointProgress& progress)>;
 
-// Names the local time zone for the C library when TZ is unset (TZ=":/etc/localtime", the same
-// zone): without it every conversion to local time looks at /etc/localtime again, a file system
-// call per bar of every point. Call before the workers start.
-void NameLocalZone();
-
 // Threads to use by default: the processor's hardware threads, at least 1.
 int DefaultJobs();
 

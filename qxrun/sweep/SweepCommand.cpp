@@ -172,7 +172,6 @@ void WholeSweep(const SweepOptions& options, SweepPlan& plan, const PointRunner&
 
 int SweepCommand(const SweepOptions& given, std::ostream& out, std::ostream& err) {
   (void)err;
-  NameLocalZone();
   const std::unique_ptr<Cluster> cluster = Cluster::Join();
   const bool lead = cluster == nullptr || cluster->Rank() == 0;
   SweepOptions options = given;
