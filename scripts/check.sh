@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs every check a reviewer would: format, each public header compiled on its own, clang-tidy,
-# and the test suites under AddressSanitizer + UndefinedBehaviorSanitizer and under
-# ThreadSanitizer. Exits non-zero on the first failure.
+# the test suites under AddressSanitizer + UndefinedBehaviorSanitizer and under ThreadSanitizer,
+# and a short run (30 s) of every fuzz harness. Exits non-zero on the first failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/bootstrap.sh --checks
@@ -40,5 +40,8 @@ cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=Debug -DSYSFUNCS_SANITIZE=thread \
   -DSYSFUNCS_BUILD_BENCH=OFF -DSYSFUNCS_BUILD_EXAMPLES=OFF >/dev/null
 cmake --build build-tsan -j2
 TSAN_OPTIONS=halt_on_error=1 ctest --test-dir build-tsan --output-on-failure
+
+echo "== fuzz harnesses, 30 s each"
+./scripts/fuzz.sh 30
 
 echo "check: all clean"

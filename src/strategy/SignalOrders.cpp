@@ -135,7 +135,7 @@ namespace {
 using namespace sysfuncs;
 
 bool PlaceSignalOrder(SFImpl& impl, OrderKind kind, double lots, double price, uint32_t origin) {
-  if (lots == kInvalidNumber || price == kInvalidNumber) return false;
+  if (!IsOrderArgument(lots) || !IsOrderArgument(price)) return false;
   if (lots < kLowestLots) return false;
   const int32_t dataIndex = impl.m_pData->CurrentData;
   OrderContext context = impl.CurrentOrderContext();

@@ -9,6 +9,7 @@
 #include "strategy/MoneyRules.h"
 #include "strategy/TradeMatching.h"
 
+#include <cmath>
 #include <cstdint>
 
 namespace sysfuncs {
@@ -19,6 +20,12 @@ inline constexpr double kMaxAffordableLots = 10000.0;
 // A price this close to 0 asks for a market order at the bar's Close.
 inline bool IsMarketOrder(double price) {
   return price > -kAmountTolerance && price < kAmountTolerance;
+}
+
+// Whether a lot or price argument can be ordered with: a finite number other than the invalid
+// number. NaN and the infinities are refused like the invalid number.
+inline bool IsOrderArgument(double value) {
+  return std::isfinite(value) && value != kInvalidNumber;
 }
 
 // The whole lots of a lot argument: 0.999 counts as 1, 2.5 as 2, -0.005 as 0.
