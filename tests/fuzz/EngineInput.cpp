@@ -41,6 +41,14 @@ std::vector<QXBar> ReadBars(FuzzedDataProvider& input, const std::vector<int64_t
   return bars;
 }
 
+}  // namespace
+
+double TickSize(const Quill::ICodeProperty& contract) {
+  return std::round(static_cast<double>(contract.MinMove * contract.PriceScale) * 1e6) / 1e6;
+}
+
+namespace {
+
 std::vector<int64_t> ReadTimes(FuzzedDataProvider& input, int count) {
   static constexpr std::array<int64_t, 5> kSteps = {60000, 300000, 3600000, 86400000, 1000};
   const int64_t step = Pick(input, kSteps);
@@ -98,7 +106,7 @@ ScenarioInput ReadScenario(FuzzedDataProvider& input) {
         i == 0 ? input.ConsumeIntegralInRange(0, 7) == 0 : scenario.Series[0].BarType == 2;
     series.BarType = packed ? 2 : 1;
     series.BarInterval = packed ? 0 : 1;
-    const double tickSize = contract.MinMove * static_cast<double>(contract.PriceScale);
+    const double tickSize = TickSize(contract);
     series.Bars = ReadBars(input, times, tickSize, packed);
     const double last = series.Bars.back().Close;
     series.UpperLimit =

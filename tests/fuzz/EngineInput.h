@@ -38,6 +38,9 @@ struct ScenarioInput {
   bool LastBarIsToday = false;  // the clock stands on the last bar's day, so limits apply
 };
 
+// The tick of a contract as the library reads it: MinMove x PriceScale to six decimals.
+double TickSize(const Quill::ICodeProperty& contract);
+
 // Reads the scenario from the front of the input. Bars are finite, on their series' tick, never
 // negative, with Low <= Open, Close <= High and rising times; some are no-trade bars.
 ScenarioInput ReadScenario(FuzzedDataProvider& input);

@@ -13,14 +13,21 @@ namespace {
   std::abort();
 }
 
-void Require(bool holds, const char* rule, const std::string& detail = "") {
-  if (!holds) Broken(rule, detail);
-}
+// Where a rule was checked; formatted only when it is broken, since checks run millions of times.
+struct Detail {
+  size_t series = 0;
+  const char* what = "";
+  double value = 0.0;
+};
 
-std::string Where(size_t series, const char* what, double value) {
+Detail Where(size_t series, const char* what, double value) { return {series, what, value}; }
+
+void Require(bool holds, const char* rule, const Detail& detail = {}) {
+  if (holds) return;
   char text[160];
-  std::snprintf(text, sizeof text, "series %zu, %s = %.17g", series, what, value);
-  return text;
+  std::snprintf(text, sizeof text, "series %zu, %s = %.17g", detail.series, detail.what,
+                detail.value);
+  Broken(rule, text);
 }
 
 bool Near(double a, double b, double absolute) {
@@ -146,13 +153,19 @@ void CheckHistoricalPrices(const CQXBaseData& data, const RunFacts& facts) {
       const QXBar& bar = bars.at(static_cast<size_t>(order.Bar));
       const bool noTrade = bar.Vol < 0.0001 && std::fabs(bar.High - bar.Low) < 0.0001;
       if (noTrade && order.Price == 0.0) continue;
-      Require(order.Price >= bar.Low - 1e-9 * bar.Low && order.Price <= bar.High + 1e-9 * bar.High,
-              "executed prices of historical bars lie inside the bar's range",
-              Where(series, "price", order.Price));
       const double steps = order.Price / tick;
-      Require(std::fabs(steps - std::round(steps)) <= 1e-6 * std::max(1.0, std::fabs(steps)),
-              "executed prices of historical bars lie on the tick",
-              Where(series, "price", order.Price));
+      const bool inRange =
+          order.Price >= bar.Low - 1e-9 * bar.Low && order.Price <= bar.High + 1e-9 * bar.High;
+      const bool onTick =
+          std::fabs(steps - std::round(steps)) <= 1e-6 * std::max(1.0, std::fabs(steps));
+      if (inRange && onTick) continue;
+      char detail[200];
+      std::snprintf(detail, sizeof detail,
+                    "series %zu, bar %d, kind %u: price %.17g, L %.17g H %.17g", series, order.Bar,
+                    order.Kind, order.Price, bar.Low, bar.High);
+      Broken(inRange ? "executed prices of historical bars lie on the tick"
+                     : "executed prices of historical bars lie inside the bar's range",
+             detail);
     }
   }
 }
@@ -176,7 +189,7 @@ void CheckNewOrders(const CQXBaseData& data, const OrderMark& mark) {
     double position = mark.Contracts[series];
     for (size_t i = mark.OrderCounts[series]; i < ledger.Orders.size(); ++i) {
       const OrderRecord& order = ledger.Orders[i];
-      const std::string where = Where(series, "lots", order.Lots);
+      const Detail where = Where(series, "lots", order.Lots);
       Require(order.Lots >= 1.0 && order.Lots == std::trunc(order.Lots),
               "an order is for whole lots, at least one", where);
       switch (order.Kind & 0xFF) {
@@ -199,7 +212,7 @@ void CheckNewOrders(const CQXBaseData& data, const OrderMark& mark) {
           position += order.Lots;
           break;
         default:
-          Broken("an order's kind byte is 1 to 4", where);
+          Require(false, "an order's kind byte is 1 to 4", where);
       }
     }
     Require(Near(position, SignedContracts(ledger), 1e-9),
