@@ -22,6 +22,28 @@ bool IsNoTradeBar(const QXBar& bar) {
   return bar.Vol < kAmountTolerance && std::fabs(bar.High - bar.Low) < kAmountTolerance;
 }
 
+// Whether closing `lots` at `price` books only finite money. A limit price on the last bar is not
+// held to the bar's range, so one far enough out would overflow the trades' profits, costs or
+// returns, or the capital and the sums they join; such an exit is refused like an invalid price.
+// The bound adds the magnitudes of everything the exit could book to those of the sums it joins.
+bool ExitMoneyIsFinite(const OrderContext& context, double lots, double price) {
+  double money = ExitCost(context.Terms, context.Cost, lots, price, false);
+  double returns = 0.0;
+  for (const EntryLot& entry : context.Ledger.OpenEntries) {
+    const double profit =
+        std::fabs(PerLotProfit(context.Terms, IsLongKind(entry.Kind), entry.Price, price)) *
+            entry.Lots +
+        entry.Cost;
+    money += profit;
+    returns += std::fabs(ReturnOnMargin(context.Terms, context.Cost, profit, entry.Price)) * 100.0;
+  }
+  const LedgerStatistics& series = context.Ledger.Stats;
+  const AccountStatistics& account = context.Account.Stats;
+  return std::isfinite(money + returns + std::fabs(context.Account.Capital) +
+                       std::fabs(context.Account.CumReturn) + series.GrossProfit -
+                       series.GrossLoss + account.GrossProfit - account.GrossLoss);
+}
+
 }  // namespace
 
 double WholeLots(double lots) { return std::trunc(lots + kLotRounding); }
@@ -106,7 +128,7 @@ bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double pric
   StrategyLedger& ledger = context.Ledger;
   const double position = std::fabs(CurrentContracts(ledger));
   const double size = lots == 0.0 || lots >= position ? position : lots;
-  if (size < 1.0) return false;
+  if (size < 1.0 || !ExitMoneyIsFinite(context, size, price)) return false;
 
   const ExitTotals totals = MatchExit(context, size, price, origin);
   context.Account.Capital += totals.NetProfit;

@@ -21,8 +21,11 @@ namespace sysfuncs::fuzz {
 namespace {
 
 constexpr int kMostCalls = 600;
+constexpr const char* kOrderNames[] = {"Buy", "Sell", "SellShort", "BuyToCover"};
 
 int64_t gNow = 0;
+// FUZZ_ENGINE_TRACE=1 prints the scenario and every call, for reading a finding.
+const bool gTrace = std::getenv("FUZZ_ENGINE_TRACE") != nullptr;
 
 testing::FakeAdapter& Adapter() {
   static testing::FakeAdapter adapter;
@@ -72,6 +75,7 @@ class Run {
   }
 
   void Go() {
+    if (gTrace) Trace();
     host_.At(0, 0);
     funcs_ = std::make_unique<CSystemFuncs>(&host_.data);
     for (int32_t bar = 0; bar < facts_.BarCount; ++bar) {
@@ -104,6 +108,7 @@ class Run {
         return true;
       case Call::kAddress:
         data.CurrentData = input_.ConsumeIntegralInRange<int32_t>(0, data.DataCount - 1);
+        if (gTrace) std::fprintf(stderr, "address series %d\n", data.CurrentData);
         return true;
       case Call::kSeriesReads:
         CheckSeriesStatistics(*funcs_, static_cast<size_t>(data.CurrentData));
@@ -130,8 +135,10 @@ class Run {
       case Call::kReset:
         data.ResetPending = 1;
         data.ResetBar = bar + input_.ConsumeIntegralInRange(0, 3);
+        if (gTrace) std::fprintf(stderr, "reset before bar %d\n", data.ResetBar);
         return true;
       case Call::kReevaluate:
+        if (gTrace) std::fprintf(stderr, "re-evaluate bar %d\n", bar);
         funcs_.reset();
         funcs_ = std::make_unique<CSystemFuncs>(&host_.data);
         facts_.Reevaluated = true;
@@ -144,8 +151,36 @@ class Run {
     return false;
   }
 
+  void Trace() const {
+    const CQXBaseData& data = host_.data;
+    std::fprintf(stderr,
+                 "capital %g, lots mode %u value %d, entries %d, position %d, percent %d, lifo %d, "
+                 "output %d, clock %lld\n",
+                 data.InitCapital, data.DefaultLotsMode, data.DefaultLotsValue, data.MaxOpenEntries,
+                 data.MaxPositionLots, data.PercentMode, data.LifoExits, data.OutputMode,
+                 static_cast<long long>(gNow));
+    for (size_t i = 0; i < host_.sources.size(); ++i) {
+      const Quill::ICodeProperty& contract = Adapter().properties[host_.sources[i].Symbol];
+      const CostSetting& costs = data.CostSettings[i];
+      std::fprintf(stderr,
+                   "series %zu: tick %g, unit %d, big point %g, margin kind %d rate %g, commission "
+                   "%u %g (entry-free %d, same-day-free %d), slippage %u %g, type %u/%u\n",
+                   i, facts_.TickSizes[i], contract.ContractUnit, contract.BigPointValue,
+                   contract.MarginKind, costs.MarginRate, costs.CommissionKind,
+                   costs.CommissionRate, costs.NoEntryCommission, costs.SameDayExitFree,
+                   costs.SlippageKind, costs.Slippage, host_.sources[i].BarType,
+                   host_.sources[i].BarInterval);
+      for (const QXBar& bar : host_.sources[i].Bars) {
+        std::fprintf(stderr, "  %lld O %.17g H %.17g L %.17g C %.17g V %g\n",
+                     static_cast<long long>(bar.Time), bar.Open, bar.High, bar.Low, bar.Close,
+                     bar.Vol);
+      }
+    }
+  }
+
   void Checkout(int32_t bar) {
     CQXBaseData& data = host_.data;
+    if (gTrace) std::fprintf(stderr, "checkout %d\n", bar);
     data.CurrentData = 0;
     const OrderMark mark = MarkOrders(data);
     funcs_->BarCheckout();
@@ -175,6 +210,10 @@ class Run {
       default:
         done = funcs_->BuyToCover(lots, price);
         break;
+    }
+    if (gTrace) {
+      std::fprintf(stderr, "bar %d series %zu: %s(%.17g, %.17g) = %d\n", data.CurrentBar, series,
+                   kOrderNames[static_cast<int>(call)], lots, price, done);
     }
     // A NaN or infinite argument is refused like the invalid number, and changes nothing.
     for (double argument : {lots, price}) {

@@ -311,6 +311,10 @@ void CheckAfterCheckout(CQXBaseData& data, CSystemFuncs& funcs, int32_t bar,
     Require(account.Trades.size() == seriesTradeRecords,
             "the account's trade list is the series' trade lists together",
             Where(0, "account trades", static_cast<double>(account.Trades.size())));
+  }
+  if (!facts.Reevaluated) {
+    // A roll-back restores the series' statistics but not the account's, which keep what every
+    // evaluation of the bar booked; without one, the portfolio sums the series.
     Require(funcs.Portfolio_TotalTrades() == seriesTrades,
             "the portfolio's trade count is the series' counts together",
             Where(0, "portfolio trades", funcs.Portfolio_TotalTrades()));

@@ -14,8 +14,9 @@ namespace sysfuncs::fuzz {
 struct RunFacts {
   int32_t BarCount = 0;
   std::vector<double> TickSizes;  // by data source
-  // A re-evaluation happened: the realised capital then keeps the trades of the bar evaluated
-  // anew (a roll-back restores records, not money).
+  // A re-evaluation happened: the realised capital and the account's statistics then keep the
+  // trades of the bar evaluated anew (a roll-back restores the series' records, not the account's
+  // money or statistics).
   bool Reevaluated = false;
   // A bar before the last was evaluated anew: the roll-back restored statistics saved on the
   // last-but-one bar (or none), so they no longer sum the trade list.

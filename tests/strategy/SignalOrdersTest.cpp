@@ -137,6 +137,27 @@ TEST(SignalOrders, NonFiniteLotsAndPricesAreRefusedLikeTheInvalidNumber) {
   }
 }
 
+// A limit price on the last bar is not held to the bar's range, so an exit far enough out would
+// book money past the largest double and leave infinite statistics. Such an exit is refused and
+// books nothing; one whose money still fits is taken.
+TEST(SignalOrders, AnExitWhoseMoneyWouldOverflowIsRefused) {
+  Desk desk;  // tick 1, lot value 1: a lot's profit is the price difference
+  CSystemFuncs& f = *desk.funcs;
+  ASSERT_TRUE(f.Buy(3.0, 0.0));  // 3 lots at 101
+  desk.host.At(0, 2);            // the last bar, of a day long past: no limits
+  const double capital = desk.host.data.Account->Capital;
+  EXPECT_FALSE(f.Sell(0.0, 1e308));       // 3 x (1e308 - 101) overflows
+  EXPECT_FALSE(f.SellShort(1.0, 1e308));  // a reversal's exit leg too
+  EXPECT_EQ(f.CurrentContracts(), 3.0);
+  EXPECT_TRUE(desk.ledger().Trades.empty());
+  EXPECT_EQ(desk.host.data.Account->Capital, capital);
+  EXPECT_TRUE(f.Sell(1.0, 1e300));  // 1e300 - 101 fits
+  EXPECT_EQ(desk.host.data.Account->Capital, capital + (1e300 - 101));
+  EXPECT_TRUE(f.Sell(0.0, 0.0));  // the rest at the market
+  EXPECT_EQ(f.CurrentContracts(), 0.0);
+  EXPECT_TRUE(std::isfinite(f.GrossProfit()));
+}
+
 TEST(SignalOrders, ReversalKeepsTheFirstLegWhenTheSecondIsRefused) {
   Desk desk;
   CSystemFuncs& f = *desk.funcs;
