@@ -22,26 +22,22 @@ bool IsNoTradeBar(const QXBar& bar) {
   return bar.Vol < kAmountTolerance && std::fabs(bar.High - bar.Low) < kAmountTolerance;
 }
 
-// Whether closing `lots` at `price` books only finite money. A limit price on the last bar is not
-// held to the bar's range, so one far enough out would overflow the trades' profits, costs or
-// returns, or the capital and the sums they join; such an exit is refused like an invalid price.
-// The bound adds the magnitudes of everything the exit could book to those of the sums it joins.
-bool ExitMoneyIsFinite(const OrderContext& context, double lots, double price) {
+// The most money one exit may book. A limit price on the last bar is not held to the bar's range,
+// so a price far beyond any the contract trades at would book amounts that overflow the capital,
+// the equity and the figures built from them (the report squares returns); such an exit is
+// refused like an invalid price. Real amounts lie many orders of magnitude below.
+constexpr double kMostMoneyPerExit = 1e18;
+
+// Whether closing `lots` at `price` books at most kMostMoneyPerExit: the exit's costs and, for
+// every entry it may touch, the entry's profit at `price` and its cost.
+bool ExitMoneyIsBounded(const OrderContext& context, double lots, double price) {
   double money = ExitCost(context.Terms, context.Cost, lots, price, false);
-  double returns = 0.0;
   for (const EntryLot& entry : context.Ledger.OpenEntries) {
-    const double profit =
-        std::fabs(PerLotProfit(context.Terms, IsLongKind(entry.Kind), entry.Price, price)) *
-            entry.Lots +
-        entry.Cost;
-    money += profit;
-    returns += std::fabs(ReturnOnMargin(context.Terms, context.Cost, profit, entry.Price)) * 100.0;
+    money += std::fabs(PerLotProfit(context.Terms, IsLongKind(entry.Kind), entry.Price, price)) *
+                 entry.Lots +
+             entry.Cost;
   }
-  const LedgerStatistics& series = context.Ledger.Stats;
-  const AccountStatistics& account = context.Account.Stats;
-  return std::isfinite(money + returns + std::fabs(context.Account.Capital) +
-                       std::fabs(context.Account.CumReturn) + series.GrossProfit -
-                       series.GrossLoss + account.GrossProfit - account.GrossLoss);
+  return money <= kMostMoneyPerExit;  // false for NaN too
 }
 
 }  // namespace
@@ -128,7 +124,7 @@ bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double pric
   StrategyLedger& ledger = context.Ledger;
   const double position = std::fabs(CurrentContracts(ledger));
   const double size = lots == 0.0 || lots >= position ? position : lots;
-  if (size < 1.0 || !ExitMoneyIsFinite(context, size, price)) return false;
+  if (size < 1.0 || !ExitMoneyIsBounded(context, size, price)) return false;
 
   const ExitTotals totals = MatchExit(context, size, price, origin);
   context.Account.Capital += totals.NetProfit;

@@ -78,7 +78,8 @@ bool ExecuteEntry(OrderContext& context, OrderKind kind, double lots, double pri
 // held: the whole position). Matches the lots against the entries, books the trades' net profit
 // into the realised capital and their returns into the cumulative return, clears the position
 // records and appends the exit's order record. Refused when fewer than 1 lot would be closed, or
-// when the money it books would not be finite (a price far beyond any the contract trades at).
+// when its profits and costs would exceed 1e18 in money (a price far beyond any the contract
+// trades at).
 // REQUIRES: the position is on the side `kind` closes.
 bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double price, uint32_t origin);
 
