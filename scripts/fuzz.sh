@@ -48,6 +48,6 @@ for harness in "${harnesses[@]}"; do
     exit 1
   fi
   # The last status line holds the executions (#N) and their rate.
-  grep '^#' "$log" | tail -n 1
+  grep -E '^#[0-9]+' "$log" | tail -n 1
 done
 echo "fuzz: no finding"
