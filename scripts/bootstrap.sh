@@ -33,7 +33,8 @@ if ! command -v npm >/dev/null 2>&1; then
   packages+=(nodejs npm)
 fi
 if [[ "${1:-}" == "--checks" ]]; then
-  packages+=(clang-tidy)
+  # clang-tidy; clang with the libFuzzer and sanitizer runtimes for the fuzz harnesses.
+  packages+=(clang-tidy clang libclang-rt-14-dev)
 fi
 
 missing=()

@@ -114,7 +114,8 @@ class SYSFUNCS_API CSystemFuncs : public CSysFuncBase {
   int32_t TradingDayLeft();                   // calendar days, today counted as 1
 
   // --- Signal orders, executed at once on the current bar. Lots 0: default lots for an entry,
-  // the whole position for an exit. Price 0: market order at the bar's Close.
+  // the whole position for an exit. Price 0: market order at the bar's Close. Lots or a price
+  // that is the invalid number, NaN or infinite is refused (false, nothing changes).
   bool Buy(double lots, double price);
   bool Sell(double lots, double price);
   bool SellShort(double lots, double price);
@@ -270,7 +271,8 @@ class SYSFUNCS_API CSystemFuncs : public CSysFuncBase {
   std::string A_OrderComment(int32_t index);
   std::string A_OpenOrderComment(int32_t index);
 
-  // --- Live orders, sent through the trading front end on the last bar.
+  // --- Live orders, sent through the trading front end on the last bar. Lots and a price are
+  // required (above 0.0001) and finite.
   bool A_SendOrder(int32_t buyOrSell, int32_t entryOrExit, double lots, double price,
                    double reserved1 = 0.0, double reserved2 = 0.0);
   bool A_DeleteOrder(const std::string& contractNo);
@@ -281,7 +283,8 @@ class SYSFUNCS_API CSystemFuncs : public CSysFuncBase {
   int32_t GetSPSortRanking(int32_t index);
   bool StockPickingCheckPoint(int32_t signal, bool flag);
 
-  // --- Plots. barsAgo addresses the bar CurrentBar - barsAgo; color -1 is no colour.
+  // --- Plots. barsAgo addresses the bar CurrentBar - barsAgo; color -1 is no colour. A NaN or
+  // infinite value plots as the invalid number (nothing drawn); such a locator is no locator.
   bool PlotBool(const std::string& name, bool value, double locator = 0.0, int32_t color = -1,
                 int32_t barsAgo = 0);
   double PlotNumeric(const std::string& name, double value, double locator = 0.0,

@@ -13,14 +13,15 @@ LineStream::LineStream(const std::filesystem::path& file) : name_(file.string())
   if (std::filesystem::is_directory(file, error)) {
     throw InputError(name_ + ": cannot read the bar file: it is a folder");
   }
-  buffer_.resize(kBlockSize);
+  const auto size = std::filesystem::file_size(file, error);
+  fileSize_ = error ? 0 : size;
+  // A small file needs no more than its own size (and one byte to see its end).
+  buffer_.resize(error ? kBlockSize : std::clamp<uint64_t>(size + 1, kSmallestBlock, kBlockSize));
   file_ = std::fopen(name_.c_str(), "rb");
   if (file_ == nullptr) {
     throw InputError(name_ + ": cannot open the bar file: " + std::strerror(errno));
   }
   std::setvbuf(file_, nullptr, _IONBF, 0);  // the blocks are the buffer
-  const auto size = std::filesystem::file_size(file, error);
-  fileSize_ = error ? 0 : size;
 }
 
 LineStream::~LineStream() {

@@ -12,13 +12,15 @@
 namespace qxrun {
 
 // Reads a file in blocks of `kBlockSize` bytes into one buffer, so memory stays at one block
-// whatever the file's size; a line longer than a block grows the buffer. Lines end in "\n" or
+// whatever the file's size (a file smaller than a block gets a buffer of its size); a line longer
+// than a block grows the buffer. Lines end in "\n" or
 // "\r\n" (the line end is not part of the line); a last line without a line end counts as a line.
 // A UTF-8 byte order mark at the start is dropped. Throws InputError on a file that cannot be
 // opened or read.
 class LineStream {
  public:
   static constexpr size_t kBlockSize = size_t{1} << 20;
+  static constexpr size_t kSmallestBlock = 4096;
 
   explicit LineStream(const std::filesystem::path& file);
   ~LineStream();

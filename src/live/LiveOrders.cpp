@@ -10,6 +10,8 @@
 #include "strategy/MoneyRules.h"
 #include "strategy/SignalOrders.h"
 
+#include <cmath>
+
 namespace sysfuncs {
 
 int32_t EntryOrExitToPlatform(int32_t entryOrExit) {
@@ -62,8 +64,9 @@ bool SFImpl::SendOrder(int32_t buyOrSell, int32_t entryOrExit, double lots, doub
   if (!GetBoolProperty(sysfuncs::kPropCanTrade)) return false;
   if (buyOrSell != kBuyCode && buyOrSell != kSellCode) return false;
   if (static_cast<uint32_t>(entryOrExit) > 2) return false;  // negative codes fail too
-  // A price is required: there is no market order.
+  // A price is required: there is no market order. Infinite lots or prices are refused.
   if (!(lots > kLeastAmount) || !(price > kLeastAmount)) return false;
+  if (!std::isfinite(lots) || !std::isfinite(price)) return false;
   const QXDataSource* source = FindDataSource(m_pData->CurrentData);
   CDataAdapter* adapter = sysfuncs::CurrentAdapter();
   if (source == nullptr || adapter == nullptr) return false;

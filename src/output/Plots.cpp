@@ -38,8 +38,9 @@ PlotSeries* FindSeries(CQXBaseData& data, const std::string& name) {
   return nullptr;
 }
 
+// A locator near zero, NaN or infinite is no locator: the cell keeps the one it holds.
 void KeepLocator(double& target, double locator) {
-  if (std::fabs(locator) > kLocatorEpsilon) target = locator;
+  if (std::isfinite(locator) && std::fabs(locator) > kLocatorEpsilon) target = locator;
 }
 
 // Admits the call, finds or builds the series, resizes it to BarCount and lets `fill` write the
@@ -92,6 +93,8 @@ bool PlotBool(CQXBaseData& data, const std::string& name, bool value, double loc
 
 double PlotNumeric(CQXBaseData& data, const std::string& name, double value, double locator,
                    int32_t color, int32_t barsAgo) {
+  // NaN and the infinities plot as the invalid number: no value is drawn.
+  if (!std::isfinite(value)) value = kInvalidNumber;
   if (data.OutputMode != 0) return value;
   const bool stored = Plot(data, name, color, barsAgo, [&](PlotCell& cell) {
     cell.numericSet = value != kInvalidNumber;

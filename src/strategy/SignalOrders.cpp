@@ -22,6 +22,24 @@ bool IsNoTradeBar(const QXBar& bar) {
   return bar.Vol < kAmountTolerance && std::fabs(bar.High - bar.Low) < kAmountTolerance;
 }
 
+// The most money one exit may book. A limit price on the last bar is not held to the bar's range,
+// so a price far beyond any the contract trades at would book amounts that overflow the capital,
+// the equity and the figures built from them (the report squares returns); such an exit is
+// refused like an invalid price. Real amounts lie many orders of magnitude below.
+constexpr double kMostMoneyPerExit = 1e18;
+
+// Whether closing `lots` at `price` books at most kMostMoneyPerExit: the exit's costs and, for
+// every entry it may touch, the entry's profit at `price` and its cost.
+bool ExitMoneyIsBounded(const OrderContext& context, double lots, double price) {
+  double money = ExitCost(context.Terms, context.Cost, lots, price, false);
+  for (const EntryLot& entry : context.Ledger.OpenEntries) {
+    money += std::fabs(PerLotProfit(context.Terms, IsLongKind(entry.Kind), entry.Price, price)) *
+                 entry.Lots +
+             entry.Cost;
+  }
+  return money <= kMostMoneyPerExit;  // false for NaN too
+}
+
 }  // namespace
 
 double WholeLots(double lots) { return std::trunc(lots + kLotRounding); }
@@ -106,7 +124,7 @@ bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double pric
   StrategyLedger& ledger = context.Ledger;
   const double position = std::fabs(CurrentContracts(ledger));
   const double size = lots == 0.0 || lots >= position ? position : lots;
-  if (size < 1.0) return false;
+  if (size < 1.0 || !ExitMoneyIsBounded(context, size, price)) return false;
 
   const ExitTotals totals = MatchExit(context, size, price, origin);
   context.Account.Capital += totals.NetProfit;
@@ -135,7 +153,7 @@ namespace {
 using namespace sysfuncs;
 
 bool PlaceSignalOrder(SFImpl& impl, OrderKind kind, double lots, double price, uint32_t origin) {
-  if (lots == kInvalidNumber || price == kInvalidNumber) return false;
+  if (!IsOrderArgument(lots) || !IsOrderArgument(price)) return false;
   if (lots < kLowestLots) return false;
   const int32_t dataIndex = impl.m_pData->CurrentData;
   OrderContext context = impl.CurrentOrderContext();

@@ -9,6 +9,7 @@
 #include "strategy/MoneyRules.h"
 #include "strategy/TradeMatching.h"
 
+#include <cmath>
 #include <cstdint>
 
 namespace sysfuncs {
@@ -19,6 +20,12 @@ inline constexpr double kMaxAffordableLots = 10000.0;
 // A price this close to 0 asks for a market order at the bar's Close.
 inline bool IsMarketOrder(double price) {
   return price > -kAmountTolerance && price < kAmountTolerance;
+}
+
+// Whether a lot or price argument can be ordered with: a finite number other than the invalid
+// number. NaN and the infinities are refused like the invalid number.
+inline bool IsOrderArgument(double value) {
+  return std::isfinite(value) && value != kInvalidNumber;
 }
 
 // The whole lots of a lot argument: 0.999 counts as 1, 2.5 as 2, -0.005 as 0.
@@ -70,7 +77,9 @@ bool ExecuteEntry(OrderContext& context, OrderKind kind, double lots, double pri
 // Reduces or closes the position: `kind` is kSell or kBuyToCover, `lots` whole (0 or more than
 // held: the whole position). Matches the lots against the entries, books the trades' net profit
 // into the realised capital and their returns into the cumulative return, clears the position
-// records and appends the exit's order record. Refused when fewer than 1 lot would be closed.
+// records and appends the exit's order record. Refused when fewer than 1 lot would be closed, or
+// when its profits and costs would exceed 1e18 in money (a price far beyond any the contract
+// trades at).
 // REQUIRES: the position is on the side `kind` closes.
 bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double price, uint32_t origin);
 

@@ -18,7 +18,7 @@ void ResetAccount(StrategyAccount& account, double initCapital, bool percentMode
                   int64_t firstBarTime);
 
 // Empties a ledger's orders, trades, open entries and saved open entries and zeroes its
-// statistics block.
+// statistics block and the block's saved copy.
 void ResetLedger(StrategyLedger& ledger);
 
 // Empties the curve, reserves room for `barCount` points and puts one point on it for each bar

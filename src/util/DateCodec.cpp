@@ -92,7 +92,13 @@ bool ParsePieces(std::string text, int64_t& instant) {
   local.tm_min = minute;
   local.tm_sec = second;
   local.tm_isdst = -1;  // the zone's rules decide, as for any local time
-  instant = FromLocalTime(local) * 1000 + millis;
+  // A time too far out for a millisecond instant names no instant: refused like a bad text.
+  int64_t milliseconds = 0;
+  if (__builtin_mul_overflow(FromLocalTime(local), int64_t{1000}, &milliseconds) ||
+      __builtin_add_overflow(milliseconds, int64_t{millis}, &milliseconds)) {
+    return false;
+  }
+  instant = milliseconds;
   return true;
 }
 

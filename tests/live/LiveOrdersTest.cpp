@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,9 @@ TEST(LiveOrders, EveryFailedPreconditionRefusesWithoutShowingTheOrder) {
       {"lots 0.0001", 1, 0, 0.0001, 10, true, true, true},
       {"price 0", 1, 0, 1, 0, true, true, true},
       {"price 0.0001", 1, 0, 1, 0.0001, true, true, true},
+      {"lots NaN", 1, 0, std::nan(""), 10, true, true, true},
+      {"lots infinite", 1, 0, HUGE_VAL, 10, true, true, true},
+      {"price infinite", 1, 0, 1, HUGE_VAL, true, true, true},
   };
   for (const auto& row : rows) {
     LiveHost live;

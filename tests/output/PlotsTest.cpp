@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <string>
 
 namespace sysfuncs::testing {
@@ -114,6 +115,23 @@ TEST_F(Plots, InvalidValuesAreStoredButNotShown) {
   // Only the exact text is invalid.
   EXPECT_EQ(funcs->PlotString("v", "n/a", 0.0, -1, 1), "n/a");
   EXPECT_TRUE(Cell(0, 1).stringSet);
+}
+
+// NaN and the infinities are no numbers to draw: they plot as the invalid number, and as a
+// locator they are no locator.
+TEST_F(Plots, NonFiniteValuesPlotAsTheInvalidNumberAndLocateNothing) {
+  for (double bad : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+    host.data.Plots.clear();
+    funcs->PlotNumeric("v", 1.0, 4.0, -1, 0);
+    EXPECT_EQ(funcs->PlotNumeric("v", bad, bad, -1, 0), kInvalidNumber) << bad;
+    EXPECT_FALSE(Cell(0, 2).numericSet) << bad;
+    EXPECT_EQ(Cell(0, 2).numericValue, kInvalidNumber) << bad;
+    EXPECT_EQ(Cell(0, 2).numericLocator, 4.0) << bad;
+    EXPECT_TRUE(funcs->PlotBool("v", true, bad, -1, 0)) << bad;
+    EXPECT_EQ(Cell(0, 2).boolLocator, kInvalidNumber) << bad;
+    EXPECT_EQ(funcs->PlotString("v", "t", bad, -1, 0), "t") << bad;
+    EXPECT_EQ(Cell(0, 2).stringLocator, kInvalidNumber) << bad;
+  }
 }
 
 TEST_F(Plots, RefusalsAnswerEachFunctionsInvalidValueAndStoreNothing) {

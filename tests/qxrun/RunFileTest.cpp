@@ -121,6 +121,32 @@ TEST(RunFileTest, SessionsMustBeClockRanges) {
   }
 }
 
+// Refusals found by fuzzing the loader: a number past the largest double escaped as the JSON
+// library's own exception (an internal failure instead of bad input), and a key or a value holding
+// a line break broke the one-line message.
+TEST(RunFileTest, EveryRefusalIsOneLineNamingTheLine) {
+  ScratchFolder folder;
+  const struct {
+    const char* text;
+    const char* message;  // after the file's path
+  } rows[] = {
+      {"{\n \"strategy\": {\"initial_capital\": 1e999}}",
+       ":2: malformed JSON: number overflow parsing '1e999'"},
+      {"{\"strategy\": {\"exits\": \"fi\\nfo\"}}",
+       ": /strategy/exits: must be one of fifo, lifo, not \"fi\\nfo\""},
+      {"{\"sym\\r\\u0001bols\": []}", ": /sym\\r\\x01bols: unknown key"},
+  };
+  for (const auto& row : rows) {
+    const auto file = folder.Write("run.json", row.text);
+    try {
+      qxrun::LoadRunFile(file);
+      ADD_FAILURE() << row.text << " was read";
+    } catch (const qxrun::InputError& error) {
+      EXPECT_EQ(error.what(), file.string() + row.message) << row.text;
+    }
+  }
+}
+
 TEST(FormulaParameterTest, DefaultsThenRunFileThenCommandLine) {
   const qxrun::FormulaInfo& info = qxrun::MaCrossInfo();
   auto values = qxrun::ResolveParameters(info, {}, {});

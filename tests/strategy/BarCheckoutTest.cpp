@@ -269,6 +269,25 @@ TEST(BarCheckout, HostResetBeforeTheNextBarStartsTheRunOverWithAPrefilledCurve) 
   EXPECT_EQ(run.account().EquityCurve[1].Time, 1000);
 }
 
+// Found by fuzzing: a reset on the last bar emptied the trades but kept the statistics saved on
+// the last-but-one bar, and the last bar evaluated anew restored them, counting a trade that no
+// longer existed.
+TEST(BarCheckout, AResetLeavesNoSavedStatisticsForARollBack) {
+  Checkouts run;
+  run.host.At(0, 3);
+  ASSERT_TRUE(run.impl->Buy(1.0, 0.0, kOriginFormula) && run.impl->Sell(0.0, 0.0, kOriginFormula));
+  run.CheckOut(3);
+  run.CheckOut(4);  // the last-but-one bar: its statistics are saved, one losing trade
+  ASSERT_EQ(run.ledger().SavedStats.NumLos, 1);
+  run.host.data.ResetPending = 1;
+  run.host.data.ResetBar = 6;
+  run.CheckOut(5);  // the last bar: the reset comes first
+  ASSERT_TRUE(run.ledger().Trades.empty());
+  run.impl->RollBackToCurrentBar();  // the last bar evaluated anew
+  EXPECT_EQ(run.ledger().Stats.NumLos, 0);
+  EXPECT_EQ(run.ledger().Stats.GrossLoss, 0.0);
+}
+
 TEST(Settlement, ReportRunsCloseOpenPositionsAtTheLastClose) {
   struct Row {
     int32_t mode;

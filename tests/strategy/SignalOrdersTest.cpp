@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -99,6 +100,62 @@ TEST(SignalOrders, ValidationAndExitsOfAtMostThePosition) {
   EXPECT_EQ(f.MaxContractsHeld(), 3.0);
   EXPECT_TRUE(f.Sell(5.0, 0.0));
   EXPECT_EQ(desk.ledger().Trades.back().Lots, 2.0);
+}
+
+// NaN and the infinities are refused like the invalid number, by every signal order and on either
+// side of a position, and leave the ledger and the capital as they were. (Without the rule, NaN
+// lots open an entry of NaN lots and infinite lots exit the whole position.)
+TEST(SignalOrders, NonFiniteLotsAndPricesAreRefusedLikeTheInvalidNumber) {
+  using Order = bool (CSystemFuncs::*)(double, double);
+  const struct {
+    const char* name;
+    Order order;
+  } orders[] = {{"Buy", &CSystemFuncs::Buy},
+                {"Sell", &CSystemFuncs::Sell},
+                {"SellShort", &CSystemFuncs::SellShort},
+                {"BuyToCover", &CSystemFuncs::BuyToCover}};
+  const double inf = HUGE_VAL;
+  const double nan = std::nan("");
+  const struct {
+    double lots, price;
+  } arguments[] = {{nan, 0.0}, {inf, 0.0}, {-inf, 0.0}, {1.0, nan}, {1.0, inf}, {1.0, -inf}};
+  for (double opening : {2.0, -2.0}) {  // long, then short 2 lots
+    Desk desk;
+    CSystemFuncs& f = *desk.funcs;
+    ASSERT_TRUE(opening > 0 ? f.Buy(opening, 0.0) : f.SellShort(-opening, 0.0));
+    const double capital = desk.host.data.Account->Capital;
+    for (const auto& order : orders) {
+      for (const auto& argument : arguments) {
+        EXPECT_FALSE((f.*order.order)(argument.lots, argument.price))
+            << order.name << "(" << argument.lots << ", " << argument.price << ") at " << opening;
+      }
+    }
+    EXPECT_EQ(desk.ledger().Orders.size(), 1u) << opening;
+    EXPECT_TRUE(desk.ledger().Trades.empty()) << opening;
+    EXPECT_EQ(f.CurrentContracts(), opening);
+    EXPECT_EQ(desk.host.data.Account->Capital, capital);
+  }
+}
+
+// Found by fuzzing: a limit price on the last bar is not held to the bar's range, so an exit far
+// enough out booked money past the largest double (infinite statistics), or amounts whose squares
+// overflow in the report. An exit that would book more than 1e18 is refused and books nothing.
+TEST(SignalOrders, AnExitOfMoreThanAQuintillionIsRefused) {
+  Desk desk;  // tick 1, lot value 1: a lot's profit is the price difference
+  CSystemFuncs& f = *desk.funcs;
+  ASSERT_TRUE(f.Buy(3.0, 0.0));  // 3 lots at 101
+  desk.host.At(0, 2);            // the last bar, of a day long past: no limits
+  const double capital = desk.host.data.Account->Capital;
+  EXPECT_FALSE(f.Sell(0.0, 1e308));        // 3 x (1e308 - 101) overflows
+  EXPECT_FALSE(f.Sell(1.0, 1e18 + 1024));  // 1e18 + 923 (the nearest doubles are 128 apart)
+  EXPECT_FALSE(f.SellShort(1.0, 1e300));   // a reversal's exit leg too
+  EXPECT_EQ(f.CurrentContracts(), 3.0);
+  EXPECT_TRUE(desk.ledger().Trades.empty());
+  EXPECT_EQ(desk.host.data.Account->Capital, capital);
+  EXPECT_TRUE(f.Sell(1.0, 1e17));  // 1e17 - 101 is within the bound
+  EXPECT_EQ(desk.host.data.Account->Capital, capital + (1e17 - 101));
+  EXPECT_TRUE(f.Sell(0.0, 0.0));  // the rest at the market
+  EXPECT_EQ(f.CurrentContracts(), 0.0);
 }
 
 TEST(SignalOrders, ReversalKeepsTheFirstLegWhenTheSecondIsRefused) {

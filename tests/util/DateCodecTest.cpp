@@ -93,9 +93,16 @@ TEST(DateCodec, ParsesDatesAndTimesAsLocalTime) {
 }
 
 TEST(DateCodec, BadTextsShowTheFormatMessageAndLeaveTheInstant) {
-  const char* texts[] = {
-      "20250620", "2025/06", "1899/12/31",          "2025/06/20 15:00", "2025/06/20 15:00:00 x",
-      "",         "   ",     "2025/06/20 1:2:3:4:5"};
+  const char*
+      texts[] = {"20250620",
+                 "2025/06",
+                 "1899/12/31",
+                 "2025/06/20 15:00",
+                 "2025/06/20 15:00:00 x",
+                 "",
+                 "   ",
+                 "2025/06/20 1:2:3:4:5",
+                 "2024020240/03/05"};  // a year whose milliseconds since 1970 overflow 64 bits
   for (const char* text : texts) {
     const ParseResult result = Parse(text);
     EXPECT_FALSE(result.ok) << '"' << text << '"';
