@@ -39,9 +39,6 @@ void ResetLedger(StrategyLedger& ledger) {
   ledger.OpenEntries.clear();
   ledger.SavedOpenEntries.clear();
   ledger.Stats = LedgerStatistics{};
-  // The saved copy goes with the state it was taken of, as the saved open entries do: a roll-back
-  // after a reset must not bring back statistics of trades the reset removed.
-  ledger.SavedStats = LedgerStatistics{};
 }
 
 void PrefillEquityCurve(std::vector<EquityPoint>& curve, const std::vector<QXBar>& mainBars,

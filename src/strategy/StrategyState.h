@@ -18,7 +18,8 @@ void ResetAccount(StrategyAccount& account, double initCapital, bool percentMode
                   int64_t firstBarTime);
 
 // Empties a ledger's orders, trades, open entries and saved open entries and zeroes its
-// statistics block and the block's saved copy.
+// statistics block. The block's saved copy stays: a roll-back after a reset brings back the
+// statistics saved on the last-but-one bar, as the roll-back trusts its copies.
 void ResetLedger(StrategyLedger& ledger);
 
 // Empties the curve, reserves room for `barCount` points and puts one point on it for each bar

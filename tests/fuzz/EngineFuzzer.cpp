@@ -135,6 +135,7 @@ class Run {
       case Call::kReset:
         data.ResetPending = 1;
         data.ResetBar = bar + input_.ConsumeIntegralInRange(0, 3);
+        resetAsked_ = true;
         if (gTrace) std::fprintf(stderr, "reset before bar %d\n", data.ResetBar);
         return true;
       case Call::kReevaluate:
@@ -142,7 +143,9 @@ class Run {
         funcs_.reset();
         funcs_ = std::make_unique<CSystemFuncs>(&host_.data);
         facts_.Reevaluated = true;
-        if (bar >= 1 && bar < facts_.BarCount - 1) facts_.StaleRollback = true;
+        // Before the last bar the copies are not the bar's; after a reset the statistics saved
+        // before it come back while the trades they count are gone.
+        if ((bar >= 1 && bar < facts_.BarCount - 1) || resetAsked_) facts_.StaleRollback = true;
         return true;
       case Call::kCheckout:
       case Call::kCount:
@@ -290,6 +293,7 @@ class Run {
   FuzzedDataProvider& input_;
   testing::TestHost host_;
   RunFacts facts_;
+  bool resetAsked_ = false;  // a reset was asked for at some point of the run
   std::unique_ptr<CSystemFuncs> funcs_;
   int calls_ = 0;
 };
