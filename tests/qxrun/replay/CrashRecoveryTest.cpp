@@ -108,14 +108,23 @@ TEST(CrashRecoveryTest, KilledReplayGoesOnFromItsStore) {
   const std::filesystem::path home = folder.Path() / "home";
   const std::filesystem::path store = home / "broker.sqlite";
 
+  // The kills fall at random moments within the first quarter of an uninterrupted run's time,
+  // measured here first, so that most of them land while the replay runs however fast the
+  // machine is.
+  const auto start = std::chrono::steady_clock::now();
+  int status = 0;
+  waitpid(Start(folder.Path() / "timing", args), &status, 0);
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  const auto uninterrupted = std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::steady_clock::now() - start);
   std::mt19937 random(20061);  // fixed: a failure can be run again
-  std::uniform_int_distribution<int> delay(80, 700);
+  std::uniform_int_distribution<int64_t> delay(uninterrupted.count() / 20,
+                                               uninterrupted.count() / 4);
   int killedRunning = 0;
   int64_t before = 0;
   for (int round = 0; round < 6; ++round) {
     const pid_t child = Start(home, args);
-    std::this_thread::sleep_for(std::chrono::milliseconds(delay(random)));
-    int status = 0;
+    std::this_thread::sleep_for(std::chrono::microseconds(delay(random)));
     if (waitpid(child, &status, WNOHANG) == 0) {
       kill(child, SIGKILL);
       waitpid(child, &status, 0);
