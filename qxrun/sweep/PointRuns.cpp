@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdlib>
 #include <exception>
+#include <malloc.h>
 #include <mutex>
 #include <thread>
 
@@ -59,10 +60,23 @@ RunFigures RunPointFigures(const SweepSetup& setup, std::vector<QXDataSource>& s
   return ComputeRunFigures(setup.Settings, sources, instance.Account());
 }
 
+namespace {
+
+// Each point builds and frees a data object of about a megabyte and a half. Blocks that size are
+// mapped and unmapped by default, so every point would fault in fresh pages; kept on the heap once
+// freed, they serve the next point (about a third of a point's time on these machines).
+void KeepFreedBlocks() {
+  mallopt(M_MMAP_THRESHOLD, 32 << 20);
+  mallopt(M_TRIM_THRESHOLD, 256 << 20);
+}
+
+}  // namespace
+
 std::vector<std::vector<double>> RunPoints(const SweepSetup& setup,
                                            std::vector<QXDataSource>& sources,
                                            const std::vector<ParamPoint>& points, int jobs,
                                            const PointProgress& progress) {
+  KeepFreedBlocks();
   std::vector<std::vector<double>> rows(points.size());
   std::atomic<size_t> next{0};
   std::mutex mutex;  // guards `done`, `failure` and the progress calls
