@@ -50,8 +50,7 @@ void HostInstance::Run(const FormulaInfo& info, const std::map<std::string, doub
                        const Progress& progress, int32_t every) {
   const int32_t bars = data_.BarCount;
   if (bars == 0) return;
-  data_.CurrentData = 0;
-  data_.CurrentBar = 0;
+  PointAt(0);
   CSystemFuncs funcs(&data_);
   Start(info, params);
   int32_t nextReport = every;
@@ -65,21 +64,24 @@ void HostInstance::Run(const FormulaInfo& info, const std::map<std::string, doub
   if (progress && nextReport - every != bars) progress(bars, bars);  // the end, once
 }
 
+int32_t HostInstance::PointAt(int32_t bar) {
+  const auto bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  data_.CurrentData = 0;
+  data_.CurrentBar = bar;
+  data_.BarCount = bars;
+  return bars;
+}
+
 void HostInstance::Start(const FormulaInfo& info, const std::map<std::string, double>& params) {
   context_ = std::make_unique<FormulaContext>(&data_, params);
   formula_ = info.Create(*context_);
 }
 
 void HostInstance::Step(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode) {
-  const auto bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
-  data_.CurrentData = 0;
-  data_.CurrentBar = bar;
-  data_.BarCount = bars;
+  PointAt(bar);
   data_.OutputMode = 0;
   formula_->OnBar(funcs);
-  data_.CurrentData = 0;
-  data_.CurrentBar = bar;
-  data_.BarCount = bars;
+  PointAt(bar);  // the body may have moved the pointer to another data source or bar
   data_.OutputMode = checkoutMode;
   funcs.BarCheckout();
   data_.OutputMode = outputMode_;
@@ -87,9 +89,7 @@ void HostInstance::Step(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode) 
 
 void HostInstance::RunHistory(int32_t end) {
   if (end <= 0) return;
-  data_.CurrentData = 0;
-  data_.CurrentBar = 0;
-  data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  PointAt(0);
   CSystemFuncs funcs(&data_);
   for (int32_t bar = 0; bar < end; ++bar) Step(funcs, bar, outputMode_);
 }
@@ -101,9 +101,7 @@ void HostInstance::Reevaluate(int32_t bar, bool chart) {
     account.EquityCurve.resize(barStart_.EquityPoints);
   }
   account.BarOrders.erase(account.BarOrders.lower_bound(bar), account.BarOrders.end());
-  data_.CurrentData = 0;
-  data_.CurrentBar = bar;
-  data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  PointAt(bar);
   CSystemFuncs funcs(&data_);
   Step(funcs, bar, chart ? 0 : outputMode_);
 }
@@ -115,18 +113,14 @@ void HostInstance::MarkBarStart() {
 }
 
 void HostInstance::Begin(const FormulaInfo& info, const std::map<std::string, double>& params) {
-  data_.CurrentData = 0;
-  data_.CurrentBar = 0;
+  PointAt(0);
   funcs_ = std::make_unique<CSystemFuncs>(&data_);
   Start(info, params);
   evaluatedBar_ = -1;
 }
 
 void HostInstance::Evaluate(int32_t bar) {
-  const auto bars = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
-  data_.CurrentData = 0;
-  data_.CurrentBar = bar;
-  data_.BarCount = bars;
+  const int32_t bars = PointAt(bar);
   if (bar == evaluatedBar_ && bar == bars - 1) {
     // The last bar anew: a new object rolls the state back to the bar's start.
     funcs_.reset();
@@ -138,9 +132,7 @@ void HostInstance::Evaluate(int32_t bar) {
 }
 
 void HostInstance::Checkout(int32_t bar) {
-  data_.CurrentData = 0;
-  data_.CurrentBar = bar;
-  data_.BarCount = static_cast<int32_t>((*data_.DataSources)[0].Bars.size());
+  PointAt(bar);
   data_.OutputMode = outputMode_;
   funcs_->BarCheckout();
 }

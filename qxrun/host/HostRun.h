@@ -84,6 +84,9 @@ class HostInstance {
     size_t EquityPoints = 0;
   };
 
+  // Points the data object at `bar` of the main series, its bar count the series' size (which
+  // grows during a replay). Returns the size.
+  int32_t PointAt(int32_t bar);
   // The body on `bar`, then the checkout in `checkoutMode`.
   void Step(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode);
 
