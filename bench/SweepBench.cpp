@@ -108,6 +108,7 @@ int main(int argc, char** argv) {
   size_t during = 0;
   {
     qxrun::HostInstance instance(sources, setup.Settings, setup.Info->Name);
+    instance.SkipPlots();  // as a sweep's point
     instance.Run(*setup.Info, qxrun::PointParams(setup, points.back()));
     during = HeapInUse();
   }

@@ -28,8 +28,15 @@ echo "== clang-tidy"
 # clang reads the sources as UTF-8 texts; the code page of the literals does not matter here.
 mapfile -t library < <(git ls-files --cached --others --exclude-standard -- 'src/*.cpp')
 # Two files at a time (each argument of run-clang-tidy is a pattern of file paths).
-findings=$(run-clang-tidy -p build-asan -j 2 -quiet -extra-arg=-fexec-charset=UTF-8 \
-  "${library[@]}" 2>/dev/null | grep -E "(warning|error):" || true)
+# A file clang-tidy cannot check at all fails the check as a finding would.
+tidy_log=build-asan/clang-tidy.log
+if ! run-clang-tidy -p build-asan -j 2 -quiet -extra-arg=-fexec-charset=UTF-8 \
+  "${library[@]}" >"$tidy_log" 2>&1; then
+  grep -E "(warning|error):" "$tidy_log" >&2 || tail -n 20 "$tidy_log" >&2
+  echo "check: clang-tidy failed on some file; the whole output is in $tidy_log" >&2
+  exit 1
+fi
+findings=$(grep -E "(warning|error):" "$tidy_log" || true)
 if [[ -n "$findings" ]]; then
   echo "$findings" >&2
   echo "check: clang-tidy has findings" >&2

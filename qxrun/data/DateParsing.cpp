@@ -78,6 +78,20 @@ int64_t DaysFromCivil(const CivilDate& date) {
   return era * 146097 + dayOfEra - 719468;
 }
 
+CivilDate CivilFromDays(int64_t days) {
+  // Counted in 400-year eras that start on 1 March, so that the leap day ends a year.
+  const int64_t shifted = days + 719468;
+  const int64_t era = (shifted >= 0 ? shifted : shifted - 146096) / 146097;
+  const int64_t dayOfEra = shifted - era * 146097;
+  const int64_t yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+  const int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
+  const int64_t month = monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9;
+  return {static_cast<int>(yearOfEra + era * 400 + (month <= 2 ? 1 : 0)), static_cast<int>(month),
+          static_cast<int>(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1)};
+}
+
 std::optional<DateTimeFormat> DateTimeFormat::Compile(std::string_view text, Kind kind,
                                                       std::string* error) {
   DateTimeFormat format;

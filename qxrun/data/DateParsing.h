@@ -20,6 +20,9 @@ struct CivilDate {
 // Days since 1970-01-01 of a proleptic Gregorian date.
 int64_t DaysFromCivil(const CivilDate& date);
 
+// The proleptic Gregorian date of a day count since 1970-01-01 (negative before it).
+CivilDate CivilFromDays(int64_t days);
+
 // A strftime-like format compiled once and applied to every row. Conversions: %Y (four-digit
 // year), %y (two-digit year: 69-99 are 19xx, 00-68 20xx), %m (month), %d (day), %b (English month
 // abbreviation, any case), %H (hour 0-23), %M (minute), %S (second), %% (a percent sign); any

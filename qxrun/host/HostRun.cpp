@@ -79,7 +79,7 @@ void HostInstance::Start(const FormulaInfo& info, const std::map<std::string, do
 
 void HostInstance::Step(CSystemFuncs& funcs, int32_t bar, int32_t checkoutMode) {
   PointAt(bar);
-  data_.OutputMode = 0;
+  data_.OutputMode = bodyMode_;
   formula_->OnBar(funcs);
   PointAt(bar);  // the body may have moved the pointer to another data source or bar
   data_.OutputMode = checkoutMode;

@@ -30,7 +30,8 @@ class HostInstance {
   using Progress = std::function<void(int32_t done, int32_t total)>;
 
   // A back-test: the formula created once, its body run on every bar of the main series once,
-  // the bar checked out after each. The body runs as a chart run, so that plots are kept; the
+  // the bar checked out after each. The body runs as a chart run, so that plots are kept (unless
+  // SkipPlots); the
   // checkout runs in the settings' output mode, which decides the end-of-run settlement and the
   // report block.
   void Run(const FormulaInfo& info, const std::map<std::string, double>& params,
@@ -66,6 +67,12 @@ class HostInstance {
   void Evaluate(int32_t bar);
   void Checkout(int32_t bar);
 
+  // The body runs in the settings' output mode from now on, as in a platform's report run:
+  // nothing is plotted and no alert is raised (a formula's PlotBool then answers false). For modes
+  // that read only the figures, such as a sweep: a point's plot series would be most of its
+  // memory. Changes nothing when the settings' output mode is 0.
+  void SkipPlots() { bodyMode_ = outputMode_; }
+
   CQXBaseData& Data() { return data_; }
   const CQXBaseData& Data() const { return data_; }
   const StrategyAccount& Account() const { return *data_.Account; }
@@ -92,6 +99,7 @@ class HostInstance {
 
   CQXBaseData data_;
   int32_t outputMode_;
+  int32_t bodyMode_ = 0;  // the output mode the body runs in; 0 keeps plots
   std::unique_ptr<FormulaContext> context_;
   std::unique_ptr<Formula> formula_;
   AccountBlock barStart_;

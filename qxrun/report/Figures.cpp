@@ -1,5 +1,7 @@
 #include "qxrun/report/Figures.h"
 
+#include "qxrun/data/DateParsing.h"
+
 #include <algorithm>
 #include <cmath>
 #include <ctime>
@@ -30,35 +32,55 @@ Moments MomentsOf(const Values& values) {
   return moments;
 }
 
-// Local year and month of instants in ascending order, with one calendar conversion per month.
+// Local year and month of instants in ascending order. No zone's offset is more than 26 hours
+// from UTC, so an instant further than that from both ends of a month lies in that month whatever
+// the offset: those are answered by arithmetic. Near the ends of a month one calendar conversion
+// gives the month and its bounds.
 class MonthOf {
  public:
   // YYYY * 100 + MM of `time` (milliseconds).
   int32_t operator()(int64_t time) {
     const int64_t seconds = time >= 0 ? time / 1000 : (time - 999) / 1000;
-    if (seconds < start_ || seconds >= end_) {
-      const std::time_t when = static_cast<std::time_t>(seconds);
-      std::tm local{};
-      localtime_r(&when, &local);
-      month_ = (local.tm_year + 1900) * 100 + local.tm_mon + 1;
-      std::tm first{};
-      first.tm_year = local.tm_year;
-      first.tm_mon = local.tm_mon;
-      first.tm_mday = 1;
-      first.tm_isdst = -1;
-      start_ = std::mktime(&first);
-      first = std::tm{};
-      first.tm_year = local.tm_year + (local.tm_mon == 11 ? 1 : 0);
-      first.tm_mon = (local.tm_mon + 1) % 12;
-      first.tm_mday = 1;
-      first.tm_isdst = -1;
-      end_ = std::mktime(&first);
+    if (seconds >= start_ && seconds < end_) return month_;
+    const CivilDate early = DateOfLocalSeconds(seconds - kLargestOffset);
+    const CivilDate late = DateOfLocalSeconds(seconds + kLargestOffset);
+    if (early.Year == late.Year && early.Month == late.Month) {
+      month_ = early.Year * 100 + early.Month;
+      start_ = DaysFromCivil({early.Year, early.Month, 1}) * 86400 + kLargestOffset;
+      end_ = DaysFromCivil(NextMonth(early)) * 86400 - kLargestOffset;
+      return month_;
     }
+    const std::time_t when = static_cast<std::time_t>(seconds);
+    std::tm local{};
+    localtime_r(&when, &local);
+    month_ = (local.tm_year + 1900) * 100 + local.tm_mon + 1;
+    std::tm first{};
+    first.tm_year = local.tm_year;
+    first.tm_mon = local.tm_mon;
+    first.tm_mday = 1;
+    first.tm_isdst = -1;
+    start_ = std::mktime(&first);
+    first = std::tm{};
+    first.tm_year = local.tm_year + (local.tm_mon == 11 ? 1 : 0);
+    first.tm_mon = (local.tm_mon + 1) % 12;
+    first.tm_mday = 1;
+    first.tm_isdst = -1;
+    end_ = std::mktime(&first);
     return month_;
   }
 
  private:
-  int64_t start_ = 1;
+  static constexpr int64_t kLargestOffset = 26 * 3600;
+
+  static CivilDate DateOfLocalSeconds(int64_t seconds) {
+    return CivilFromDays(seconds >= 0 ? seconds / 86400 : (seconds - 86399) / 86400);
+  }
+  static CivilDate NextMonth(const CivilDate& date) {
+    return date.Month == 12 ? CivilDate{date.Year + 1, 1, 1}
+                            : CivilDate{date.Year, date.Month + 1, 1};
+  }
+
+  int64_t start_ = 1;  // [start_, end_) lies in month_
   int64_t end_ = 0;
   int32_t month_ = 0;
 };

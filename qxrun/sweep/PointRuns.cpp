@@ -52,6 +52,7 @@ std::map<std::string, double> PointParams(const SweepSetup& setup, const ParamPo
 RunFigures RunPointFigures(const SweepSetup& setup, std::vector<QXDataSource>& sources,
                            const ParamPoint& point, PointTrace* trace) {
   HostInstance instance(sources, setup.Settings, setup.Info->Name);
+  instance.SkipPlots();  // a point is judged by its figures alone
   instance.Run(*setup.Info, PointParams(setup, point));
   if (trace != nullptr) {
     trace->EquityCurve = instance.Account().EquityCurve;

@@ -140,12 +140,12 @@ void PeriodResults(const StrategyAccount& account, double initCapital,
                    std::vector<PeriodResult>& years, std::vector<PeriodResult>& months) {
   PeriodTally yearTally(years, initCapital);
   PeriodTally monthTally(months, initCapital);
-  // The calendar fields of a point serve both lists: one conversion per point.
+  // The local month of a point serves both lists.
   LocalCalendar calendar;
   for (const EquityPoint& point : account.EquityCurve) {
-    const CalendarFields fields = calendar.Fields(InstantSeconds(point.Time));
-    yearTally.Add(fields.Year, point.Capital);
-    monthTally.Add(fields.Year * 100 + fields.Month, point.Capital);
+    const int32_t month = calendar.YearMonth(InstantSeconds(point.Time));
+    yearTally.Add(month / 100, point.Capital);
+    monthTally.Add(month, point.Capital);
   }
 }
 

@@ -37,6 +37,15 @@ CalendarFields FieldsOfLocalSeconds(int64_t localSeconds) {
   return fields;
 }
 
+int64_t DaysFromCivil(int64_t year, int64_t month, int64_t day) {
+  year -= month <= 2 ? 1 : 0;
+  const int64_t era = (year >= 0 ? year : year - 399) / 400;
+  const int64_t yearOfEra = year - era * 400;
+  const int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+  const int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+  return era * 146097 + dayOfEra - 719468;
+}
+
 // Converts through the runtime; true when the answer equals the arithmetic one, so that the
 // offset may be cached (a zone that counts leap seconds never qualifies).
 static bool Convert(int64_t seconds, CalendarFields& fields, int64_t& utcOffset) {
@@ -72,6 +81,25 @@ CalendarFields LocalCalendar::Fields(int64_t seconds) {
   asked_ = true;
   lastFields_ = fields;
   return fields;
+}
+
+int32_t LocalCalendar::YearMonth(int64_t seconds) {
+  if (seconds >= sureFirst_ && seconds <= sureLast_) return sureMonth_;
+  const CalendarFields early = FieldsOfLocalSeconds(seconds - kLargestOffset);
+  const CalendarFields late = FieldsOfLocalSeconds(seconds + kLargestOffset);
+  if (early.Year != late.Year || early.Month != late.Month) {
+    const CalendarFields fields = Fields(seconds);
+    return fields.Year * 100 + fields.Month;
+  }
+  // The whole stretch of the month that no offset can move out of it.
+  const int64_t monthStart = DaysFromCivil(early.Year, early.Month, 1) * 86400;
+  const int64_t nextMonthStart = early.Month == 12
+                                     ? DaysFromCivil(early.Year + 1, 1, 1) * 86400
+                                     : DaysFromCivil(early.Year, early.Month + 1, 1) * 86400;
+  sureFirst_ = monthStart + kLargestOffset;
+  sureLast_ = nextMonthStart - 1 - kLargestOffset;
+  sureMonth_ = early.Year * 100 + early.Month;
+  return sureMonth_;
 }
 
 }  // namespace sysfuncs

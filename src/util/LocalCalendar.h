@@ -18,7 +18,16 @@ class LocalCalendar {
  public:
   CalendarFields Fields(int64_t seconds);
 
+  // YYYY * 100 + MM of the local month of `seconds`, as Fields gives it. No zone's offset is
+  // more than 26 hours from UTC, so an instant further than that from both ends of a local month
+  // lies in that month whatever the offset: it is answered by arithmetic, and only instants near
+  // the ends of a month are converted (through Fields). A daily series then needs a few
+  // conversions a month instead of one a bar.
+  int32_t YearMonth(int64_t seconds);
+
  private:
+  static constexpr int64_t kLargestOffset = 26 * 3600;
+
   // How far ahead a conversion verifies the offset. Two offset changes within this span would be
   // missed; no zone changes its offset twice within a few hours.
   static constexpr int64_t kVerifiedSpan = 6 * 3600;
@@ -31,10 +40,16 @@ class LocalCalendar {
   int64_t lastAsked_ = 0;
   bool asked_ = false;
   CalendarFields lastFields_;  // the answer for lastAsked_
+  int64_t sureFirst_ = 1;      // [sureFirst_, sureLast_] lies in sureMonth_ under any offset
+  int64_t sureLast_ = 0;
+  int32_t sureMonth_ = 0;
 };
 
 // Calendar fields of local seconds since 1970 (UTC seconds plus the zone offset), by arithmetic.
 CalendarFields FieldsOfLocalSeconds(int64_t localSeconds);
+
+// Days since 1970-01-01 of a proleptic Gregorian date.
+int64_t DaysFromCivil(int64_t year, int64_t month, int64_t day);
 
 }  // namespace sysfuncs
 

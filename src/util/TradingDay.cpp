@@ -1,21 +1,12 @@
 #include "util/TradingDay.h"
 
 #include "util/DateCodec.h"
+#include "util/LocalCalendar.h"
 
 namespace sysfuncs {
 namespace {
 
 constexpr int64_t kSessionShift = 7 * 3600;  // a trading day starts at 17:00 local time
-
-// Days since 1970-01-01 of a proleptic Gregorian date.
-int64_t DaysFromCivil(int64_t year, int64_t month, int64_t day) {
-  year -= month <= 2 ? 1 : 0;
-  const int64_t era = (year >= 0 ? year : year - 399) / 400;
-  const int64_t yearOfEra = year - era * 400;
-  const int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-  const int64_t dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-  return era * 146097 + dayOfEra - 719468;
-}
 
 // The trading day as a day number. The weekend is skipped on the calendar, not by adding
 // seconds, so a daylight-saving change cannot move the result.

@@ -23,6 +23,19 @@ TEST(DateParsingTest, DaysFromCivilCountsFromTheEpoch) {
   }
 }
 
+TEST(DateParsingTest, CivilFromDaysInvertsDaysFromCivil) {
+  EXPECT_EQ(CivilFromDays(0), (CivilDate{1970, 1, 1}));
+  EXPECT_EQ(CivilFromDays(-1), (CivilDate{1969, 12, 31}));
+  EXPECT_EQ(CivilFromDays(11016), (CivilDate{2000, 2, 29}));
+  EXPECT_EQ(CivilFromDays(-25509), (CivilDate{1900, 2, 28}));
+  // Every day from 0190 to 4160, across eras and century years.
+  for (int64_t days = -650000; days <= 800000; ++days) {
+    const CivilDate date = CivilFromDays(days);
+    ASSERT_EQ(DaysFromCivil(date), days) << date.Year << "-" << date.Month << "-" << date.Day;
+    ASSERT_TRUE(date.Month >= 1 && date.Month <= 12 && date.Day >= 1 && date.Day <= 31) << days;
+  }
+}
+
 DateTimeFormat MustCompile(const char* text, DateTimeFormat::Kind kind) {
   std::string error;
   const std::optional<DateTimeFormat> format = DateTimeFormat::Compile(text, kind, &error);

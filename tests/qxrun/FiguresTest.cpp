@@ -4,6 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <string>
+#include <vector>
 
 namespace qxrun_test {
 namespace {
@@ -91,6 +95,58 @@ TEST(FiguresTest, EquityFiguresFollowTheirDefinitions) {
   ASSERT_EQ(f.YearReturns.size(), 1u);
   EXPECT_NEAR(f.YearReturns[0].Return, 0.1664, 1e-12);
   EXPECT_NEAR(f.YearReturns[0].NetProfit, 16.64, 1e-9);
+}
+
+// The monthly returns' months are the local months of the runtime, in zones far east and west,
+// through daylight-saving changes and the day Kiritimati skipped (1994-12-31), for bars of every
+// spacing. Each bar's equity is its own, so a bar put in the wrong month moves a month's return.
+TEST(FiguresTest, MonthsAreTheRuntimesLocalMonths) {
+  const char* const saved = std::getenv("TZ");
+  const std::string savedZone = saved != nullptr ? saved : "";
+  for (const char* zone : {"America/New_York", "Pacific/Kiritimati", "Pacific/Pago_Pago",
+                           "Australia/Lord_Howe", "Asia/Shanghai"}) {
+    setenv("TZ", zone, 1);
+    tzset();
+    for (const int64_t step : {int64_t{3600}, int64_t{86400}, int64_t{7 * 3600 + 13}}) {
+      StrategyAccount account;
+      std::vector<QXDataSource> sources(1);
+      std::vector<int32_t> months;  // the runtime's month of each bar
+      for (int64_t seconds = 777600000; seconds < 820000000;
+           seconds += step) {  // 1994-08 to 1995-12
+        EquityPoint point;
+        point.Time = seconds * 1000;
+        point.Equity = 100.0 + static_cast<double>(account.EquityCurve.size());
+        account.EquityCurve.push_back(point);
+        QXBar bar;
+        bar.Time = point.Time;
+        sources[0].Bars.push_back(bar);
+        const std::time_t when = seconds;
+        std::tm local{};
+        localtime_r(&when, &local);
+        months.push_back((local.tm_year + 1900) * 100 + local.tm_mon + 1);
+      }
+      const qxrun::RunFigures f = qxrun::ComputeFigures(sources, {1.0}, account, 100.0);
+      size_t period = 0;
+      double before = 100.0;
+      for (size_t i = 0; i < months.size(); ++i) {
+        if (i + 1 < months.size() && months[i + 1] == months[i]) continue;  // not the month's last
+        ASSERT_LT(period, f.Months.size()) << zone << ", a bar every " << step << " s";
+        const qxrun::PeriodReturn& got = f.Months[period++];
+        const double equity = account.EquityCurve[i].Equity;
+        EXPECT_EQ(got.Year * 100 + got.Month, months[i]) << zone << ", step " << step;
+        EXPECT_DOUBLE_EQ(got.Return, equity / before - 1.0)
+            << zone << ", step " << step << ", month " << months[i];
+        before = equity;
+      }
+      EXPECT_EQ(period, f.Months.size()) << zone << ", a bar every " << step << " s";
+    }
+  }
+  if (saved != nullptr) {
+    setenv("TZ", savedZone.c_str(), 1);
+  } else {
+    unsetenv("TZ");
+  }
+  tzset();
 }
 
 // A bar whose previous equity is not positive has no return: equity 100, 50, 0, -10, 20, 40

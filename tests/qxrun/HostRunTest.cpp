@@ -3,6 +3,7 @@
 // time, FileAppend lines handed over when the session ends.
 #include "qxrun/Formula.h"
 #include "qxrun/QxrunProcess.h"
+#include "qxrun/formulas/Bundled.h"
 #include "qxrun/host/HostRun.h"
 #include "qxrun/host/MessageCentre.h"
 #include "qxrun/host/ModuleSession.h"
@@ -151,6 +152,38 @@ TEST(HostRunTest, SettingsReachTheDataObject) {
   EXPECT_TRUE(data.LifoExits && data.PercentMode);
   EXPECT_EQ(data.OutputMode, 1);
   EXPECT_TRUE(data.Account && data.Symbols);
+}
+
+// A sweep's point keeps no plots, and trades exactly as the plotted run does.
+TEST(HostRunTest, SkippedPlotsChangeNothingButThePlots) {
+  QXDataSource source = Series("A", kStart, kMinute, 0);
+  for (int i = 0; i < 60; ++i) {
+    QXBar bar;
+    bar.Time = kStart + i * kMinute;
+    bar.Open = bar.High = bar.Low = bar.Close = 100.0 + (i / 6 % 2 == 0 ? i % 6 : 6 - i % 6);
+    source.Bars.push_back(bar);
+  }
+  std::vector<QXDataSource> sources = {source};
+  qxrun::RunSettings settings;
+  settings.Symbols.resize(1);
+  settings.Strategy.InitCapital = 10000;
+  settings.Strategy.OutputMode = 2;
+  const std::map<std::string, double> params = {{"fast", 2}, {"slow", 5}};
+  qxrun::HostInstance plotted(sources, settings, "ma_cross");
+  plotted.Run(qxrun::MaCrossInfo(), params);
+  qxrun::HostInstance skipped(sources, settings, "ma_cross");
+  skipped.SkipPlots();
+  skipped.Run(qxrun::MaCrossInfo(), params);
+
+  EXPECT_EQ(plotted.Data().Plots.size(), 2u);
+  EXPECT_TRUE(skipped.Data().Plots.empty());
+  ASSERT_GT(plotted.Account().Trades.size(), 2u);
+  ASSERT_EQ(skipped.Account().Trades.size(), plotted.Account().Trades.size());
+  ASSERT_EQ(skipped.Account().EquityCurve.size(), plotted.Account().EquityCurve.size());
+  for (size_t i = 0; i < plotted.Account().EquityCurve.size(); ++i) {
+    EXPECT_EQ(skipped.Account().EquityCurve[i].Equity, plotted.Account().EquityCurve[i].Equity);
+  }
+  EXPECT_EQ(skipped.Account().Report.NetProfit, plotted.Account().Report.NetProfit);
 }
 
 TEST(SeriesRefTest, WritesInBarOrderAndFillsGaps) {

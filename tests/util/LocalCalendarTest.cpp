@@ -9,12 +9,16 @@
 namespace sysfuncs::testing {
 namespace {
 
-// Asks the cache and the runtime the same sequence of instants; every answer must agree.
+// Asks the cache and the runtime the same sequence of instants; every answer must agree, the
+// local month of a calendar asked only for months too.
 void ExpectSameAsRuntime(const std::vector<int64_t>& secondsSequence, const char* what) {
   LocalCalendar calendar;
+  LocalCalendar months;
   for (int64_t seconds : secondsSequence) {
     const CalendarFields cached = calendar.Fields(seconds);
     const CalendarFields direct = LocalFields(seconds);
+    ASSERT_EQ(months.YearMonth(seconds), direct.Year * 100 + direct.Month)
+        << what << " at " << seconds;
     ASSERT_EQ(cached, direct) << what << " at " << seconds << ": cached " << cached.Year << "-"
                               << cached.Month << "-" << cached.Day << " " << cached.Hour << ":"
                               << cached.Minute << ":" << cached.Second << ", runtime "
@@ -45,9 +49,10 @@ TEST(LocalCalendar, ArithmeticFieldsOfKnownDays) {
   }
 }
 
-// Zones with offset changes of one hour, half an hour (Lord Howe) and historical ones.
+// Zones with offset changes of one hour, half an hour (Lord Howe) and historical ones, and the
+// zone furthest east, which skipped a whole day (Kiritimati, 31 December 1994).
 const char* const kZones[] = {"America/New_York", "Europe/London", "Australia/Lord_Howe",
-                              "Asia/Shanghai", "UTC"};
+                              "Asia/Shanghai",    "UTC",           "Pacific/Kiritimati"};
 
 TEST(LocalCalendar, MinuteAndSecondSeriesAcrossOffsetChangesMatchTheRuntime) {
   for (const char* zone : kZones) {
