@@ -34,8 +34,10 @@ Moments MomentsOf(const Values& values) {
 
 // Local year and month of instants in ascending order. No zone's offset is more than 26 hours
 // from UTC, so an instant further than that from both ends of a month lies in that month whatever
-// the offset: those are answered by arithmetic. Near the ends of a month one calendar conversion
-// gives the month and its bounds.
+// the offset: those are answered by arithmetic. Near the ends of a month an instant is converted;
+// when it follows the last conversion closely (intraday bars), the bounds of its month are found
+// too, so the many bars that follow need no conversion, while sparse bars (daily) would pay more
+// for the bounds than for converting their few bars near a month's end.
 class MonthOf {
  public:
   // YYYY * 100 + MM of `time` (milliseconds).
@@ -54,6 +56,13 @@ class MonthOf {
     std::tm local{};
     localtime_r(&when, &local);
     month_ = (local.tm_year + 1900) * 100 + local.tm_mon + 1;
+    const bool dense = converted_ && seconds > lastConverted_ && seconds - lastConverted_ < kDense;
+    converted_ = true;
+    lastConverted_ = seconds;
+    if (!dense) {
+      start_ = end_ = 0;  // no bounds: the next instant is looked at anew
+      return month_;
+    }
     std::tm first{};
     first.tm_year = local.tm_year;
     first.tm_mon = local.tm_mon;
@@ -71,6 +80,7 @@ class MonthOf {
 
  private:
   static constexpr int64_t kLargestOffset = 26 * 3600;
+  static constexpr int64_t kDense = 6 * 3600;
 
   static CivilDate DateOfLocalSeconds(int64_t seconds) {
     return CivilFromDays(seconds >= 0 ? seconds / 86400 : (seconds - 86399) / 86400);
@@ -83,6 +93,8 @@ class MonthOf {
   int64_t start_ = 1;  // [start_, end_) lies in month_
   int64_t end_ = 0;
   int32_t month_ = 0;
+  bool converted_ = false;
+  int64_t lastConverted_ = 0;
 };
 
 // The per-bar returns of an equity curve, r[i] = E[i] / E[i-1] - 1 for every bar whose previous
