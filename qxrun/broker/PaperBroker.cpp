@@ -186,6 +186,32 @@ void PaperBroker::OpenAccount(const std::string& name, double deposit) {
   Commit(std::move(change));
 }
 
+void PaperBroker::Transfer(const std::string& name, double deposit, double withdrawal,
+                           const std::string& session) {
+  BrokerChange change;
+  BrokerAccount& account = change.Accounts.emplace_back(accounts_.at(name));
+  account.Balance += deposit - withdrawal;
+  account.TodayDeposit += deposit;
+  account.TodayDrawing += withdrawal;
+  change.Session = BrokerSession{session, SessionSequence(session)};
+  Commit(std::move(change));
+}
+
+double PaperBroker::FreeMoney(const std::string& account) const {
+  const auto found = accounts_.find(account);
+  if (found == accounts_.end()) return 0.0;
+  double margin = 0.0;
+  for (const auto& [key, position] : positions_) {
+    if (key.first != account) continue;
+    const BrokerSymbol* symbol = SymbolOf(position.Market, position.Code);
+    if (symbol == nullptr) continue;
+    margin += (position.LongAverage * static_cast<double>(position.Long) +
+               position.ShortAverage * static_cast<double>(position.Short)) *
+              symbol->LotValue * symbol->Costs.MarginRate;
+  }
+  return found->second.Balance - margin - Frozen(account);
+}
+
 int64_t PaperBroker::Submit(const Quill::ITradeOrder& platform, const std::string& session,
                             int64_t sequence) {
   BrokerOrder order;

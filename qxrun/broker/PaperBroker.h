@@ -75,6 +75,11 @@ class PaperBroker {
 
   // Events, each one change of the journal.
   void OpenAccount(const std::string& name, double deposit);
+  // Money paid into and taken out of an account at the start of `session`, in one event that also
+  // marks the session as begun (so a run that goes on with the session does not repeat it).
+  // REQUIRES: the account exists; withdrawal <= FreeMoney(name) + deposit.
+  void Transfer(const std::string& name, double deposit, double withdrawal,
+                const std::string& session);
   // A new order as the front end hands it over, kept as "sending"; returns its id.
   int64_t Submit(const Quill::ITradeOrder& order, const std::string& session, int64_t sequence);
   // The broker takes a sent order in: reported, or rejected; returns the new status.
@@ -94,6 +99,10 @@ class PaperBroker {
   bool HasAccount(const std::string& name) const { return accounts_.count(name) > 0; }
   std::vector<std::string> AccountNames() const;
   std::optional<Quill::ITradeAcctSummary> Summary(const std::string& account) const;
+  // What may be withdrawn: the balance less the margin of the open positions at their average
+  // prices and the money frozen by working orders. Before a session's first tick there is no
+  // last price, so the positions are valued at what they cost and their open profit is left out.
+  double FreeMoney(const std::string& account) const;
   Quill::ITradePosition Position(const std::string& account, uint32_t market,
                                  const std::string& code) const;
   // Orders of the account in a symbol: today's, or only the working ones.

@@ -120,6 +120,30 @@ std::string SessionBase(const ReplayOptions& options, const RunInputs& inputs, i
   return std::string(hex);
 }
 
+// Opens the account when it is new; otherwise a session that begins (not one that goes on) pays
+// in --deposit and takes out --withdraw, once. Nothing is stored when the withdrawal is refused.
+void OpenOrTransfer(PaperBroker& broker, const ReplayOptions& options, double initCapital,
+                    const std::string& session) {
+  const bool opens = !broker.HasAccount(options.Account);
+  const double deposit = options.Deposit.value_or(opens ? initCapital : 0.0);
+  const double withdrawal = options.Withdraw.value_or(0.0);
+  if (!opens && broker.HasSession(session)) return;
+  const double free = opens ? deposit : broker.FreeMoney(options.Account) + deposit;
+  if (withdrawal > free) {
+    char text[160];
+    std::snprintf(text, sizeof(text),
+                  "--withdraw: %.2f is more than the %.2f account '%s' has free", withdrawal, free,
+                  options.Account.c_str());
+    throw InputError(text);
+  }
+  if (opens) {
+    broker.OpenAccount(options.Account, deposit);
+    if (withdrawal > 0.0) broker.Transfer(options.Account, 0.0, withdrawal, session);
+  } else if (deposit > 0.0 || withdrawal > 0.0) {
+    broker.Transfer(options.Account, deposit, withdrawal, session);
+  }
+}
+
 }  // namespace
 
 int ReplayCommand(const ReplayOptions& options, std::ostream& out, std::ostream& err,
@@ -134,6 +158,9 @@ int ReplayCommand(const ReplayOptions& options, std::ostream& out, std::ostream&
   if (options.Speed && !(*options.Speed > 0.0)) throw InputError("--speed: must be positive");
   if (options.Spread < 0) throw InputError("--spread: must not be negative");
   if (options.Deposit && !(*options.Deposit > 0.0)) throw InputError("--deposit: must be positive");
+  if (options.Withdraw && !(*options.Withdraw > 0.0)) {
+    throw InputError("--withdraw: must be positive");
+  }
   if (options.Account.empty()) throw InputError("--account: must not be empty");
 
   RunInputs inputs = PrepareRun(options.Run);
@@ -167,23 +194,21 @@ int ReplayCommand(const ReplayOptions& options, std::ostream& out, std::ostream&
   BrokerStore store(storeFile);
   PaperBroker broker(symbols, &store);
   broker.Load(store.Load());
-  if (!broker.HasAccount(options.Account)) {
-    if (!opensAccount) {
-      std::string known;
-      for (const std::string& name : broker.AccountNames())
-        known += (known.empty() ? "" : ", ") + name;
-      throw InputError("--account: unknown account '" + options.Account + "' (the store holds: " +
-                       (known.empty() ? "none" : known) + "; open it with --deposit AMOUNT)");
-    }
-    broker.OpenAccount(options.Account, options.Deposit.value_or(settings.Strategy.InitCapital));
+  if (!broker.HasAccount(options.Account) && !opensAccount) {
+    std::string known;
+    for (const std::string& name : broker.AccountNames())
+      known += (known.empty() ? "" : ", ") + name;
+    throw InputError("--account: unknown account '" + options.Account + "' (the store holds: " +
+                     (known.empty() ? "none" : known) + "; open it with --deposit AMOUNT)");
   }
-  const int32_t recovered = broker.AcceptPending();
   const std::string base =
       SessionBase(options, inputs, plan.Bars[plan.Start < plan.Bars.size() ? plan.Start : 0].Time);
   int generation = 1;
   while (broker.HasSession(base + "/" + std::to_string(generation + 1))) ++generation;
   if (options.Fresh && broker.HasSession(base + "/" + std::to_string(generation))) ++generation;
   const std::string session = base + "/" + std::to_string(generation);
+  OpenOrTransfer(broker, options, settings.Strategy.InitCapital, session);
+  const int32_t recovered = broker.AcceptPending();
 
   std::unique_ptr<TerminalConfirmer> terminal;
   if (options.Confirm == "ask") terminal = TerminalConfirmer::OpenTerminal();
@@ -311,7 +336,11 @@ Command AddReplayCommand(CLI::App& app) {
       "no pacing (the default)");
   sub.add_option("--confirm", options->Confirm, "live orders: auto, or ask on the terminal");
   sub.add_option("--account", options->Account, "paper account to trade (default paper)");
-  sub.add_option("--deposit", options->Deposit, "open the account with this money if it is new");
+  sub.add_option("--deposit", options->Deposit,
+                 "open the account with this money if it is new, else pay it in as a session "
+                 "begins");
+  sub.add_option("--withdraw", options->Withdraw,
+                 "take this money out of the account as a session begins");
   sub.add_option("--spread", options->Spread, "ask - bid in ticks (default 1)");
   sub.add_flag("--fresh", options->Fresh, "start a new session instead of going on with the last");
   command.Run = [options](std::ostream& out, std::ostream& err) {

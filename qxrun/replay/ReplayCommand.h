@@ -12,16 +12,17 @@ namespace qxrun {
 
 struct ReplayOptions {
   RunOptions Run;
-  std::string From;               // the first bar formed from ticks: "YYYY-MM-DD[ HH:MM[:SS]]"
-  std::optional<int64_t> Last;    // or the last N bars
-  std::string Ticks;              // tick file; none: ticks made from the bars
-  std::string Path = "nearer";    // "nearer" or "ohlc"
-  std::optional<double> Speed;    // times real time; none: as fast as possible
-  std::string Confirm = "auto";   // "auto" or "ask"
-  std::string Account = "paper";  // the paper account bound to the formula
-  std::optional<double> Deposit;  // opens the account with this money when it does not exist
-  int32_t Spread = 1;             // ask - bid, in ticks
-  bool Fresh = false;             // a new session instead of going on with the last one
+  std::string From;                // the first bar formed from ticks: "YYYY-MM-DD[ HH:MM[:SS]]"
+  std::optional<int64_t> Last;     // or the last N bars
+  std::string Ticks;               // tick file; none: ticks made from the bars
+  std::string Path = "nearer";     // "nearer" or "ohlc"
+  std::optional<double> Speed;     // times real time; none: as fast as possible
+  std::string Confirm = "auto";    // "auto" or "ask"
+  std::string Account = "paper";   // the paper account bound to the formula
+  std::optional<double> Deposit;   // opens the account with this money, or pays it in
+  std::optional<double> Withdraw;  // takes this money out of the account
+  int32_t Spread = 1;              // ask - bid, in ticks
+  bool Fresh = false;              // a new session instead of going on with the last one
 };
 
 // Seconds and counts of a replay, for the benchmark.
