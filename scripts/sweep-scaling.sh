@@ -18,6 +18,12 @@ trap 'rm -rf "$work"' EXIT
 export QXRUN_HOME=$work/home
 
 echo "load average: $(cut -d' ' -f1-3 /proc/loadavg) on $(nproc) processors"
+# Linux schedules each session as one group: while other sessions keep the processors busy, this
+# one gets its group's share however many workers it runs, and the ratios measure that share.
+grouped=$(cat /proc/sys/kernel/sched_autogroup_enabled 2>/dev/null || echo 0)
+if [[ $grouped == 1 ]] && (($(cut -d. -f1 /proc/loadavg) >= $(nproc))); then
+  echo "warning: the machine is busy; the ratios below are bounded by this session's share"
+fi
 "$build/bench/sweep_bench" 5
 
 sweep=(sweep --data "$bars" --formula ma_cross --param fast=2:60:1 --param slow=20:300:5 --quiet)
