@@ -1,9 +1,10 @@
 // The ranks of an MPI job, when qxrun was started by mpirun and built with MPI.
 //
 // Every rank reads the same command line, plans the same points and loads the bars itself. The
-// points are handed out one at a time from a counter that rank 0 holds (a rank that finishes
-// early takes the next), each rank runs its points on its own threads, and the rows are gathered
-// to every rank in the points' order. Only rank 0 prints and writes files.
+// points are handed out in chunks that shrink to single points towards the end, from a counter
+// that rank 0 holds (a rank that finishes early takes the next chunk); each rank runs its points
+// on its own threads, and the rows are gathered to every rank in the points' order. Only rank 0
+// prints and writes files.
 #ifndef QXRUN_SWEEP_CLUSTER_H_
 #define QXRUN_SWEEP_CLUSTER_H_
 

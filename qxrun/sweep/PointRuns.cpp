@@ -4,6 +4,7 @@
 #include "qxrun/report/RunFiles.h"
 #include "qxrun/report/Tables.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <exception>
@@ -61,8 +62,6 @@ RunFigures RunPointFigures(const SweepSetup& setup, std::vector<QXDataSource>& s
   return ComputeRunFigures(setup.Settings, sources, instance.Account());
 }
 
-namespace {
-
 // Each point builds and frees a data object of about a megabyte and a half. Blocks that size are
 // mapped and unmapped by default, so every point would fault in fresh pages; kept on the heap once
 // freed, they serve the next point (about a third of a point's time on these machines).
@@ -71,7 +70,15 @@ void KeepFreedBlocks() {
   mallopt(M_TRIM_THRESHOLD, 256 << 20);
 }
 
-}  // namespace
+std::vector<int64_t> GuidedChunkStarts(int64_t total, int64_t workers) {
+  const int64_t share = 2 * std::max<int64_t>(workers, 1);
+  std::vector<int64_t> starts{0};
+  for (int64_t next = 0; next < total;) {
+    next += std::max<int64_t>((total - next) / share, 1);
+    starts.push_back(next);
+  }
+  return starts;
+}
 
 std::vector<std::vector<double>> RunPoints(const SweepSetup& setup,
                                            std::vector<QXDataSource>& sources,

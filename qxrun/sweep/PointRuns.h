@@ -54,11 +54,20 @@ std::vector<std::vector<double>> RunPoints(const SweepSetup& setup,
                                            const std::vector<ParamPoint>& points, int jobs,
                                            const PointProgress& progress = {});
 
+// How the points of a sweep are handed out to `workers` that each ask for more as they finish:
+// chunk k covers points [starts[k], starts[k + 1]). Each chunk is the points still left over
+// twice the workers (at least one), so the first requests take large shares and the last ones
+// single points: few requests, and a worker that finishes early takes more.
+std::vector<int64_t> GuidedChunkStarts(int64_t total, int64_t workers);
+
 // Runs every point and returns its row, in the points' order: on this machine's threads, or
 // across the ranks of a cluster.
 using PointRunner = std::function<std::vector<std::vector<double>>(
     const SweepSetup& setup, std::vector<QXDataSource>& sources,
     const std::vector<ParamPoint>& points, const PointProgress& progress)>;
+
+// Keeps the blocks a point frees on the heap for the next point. Called before the points run.
+void KeepFreedBlocks();
 
 // Threads to use by default: the processor's hardware threads, at least 1.
 int DefaultJobs();
