@@ -61,7 +61,10 @@ std::string Money(double value) {
   const auto units = static_cast<uint64_t>(cents / 100.0);
   char fraction[8];
   std::snprintf(fraction, sizeof fraction, ".%02d", static_cast<int>(cents - units * 100.0));
-  return (value < 0.0 && cents > 0.0 ? "-" : "") + qxrun::GroupThousands(units) + fraction;
+  std::string text = value < 0.0 && cents > 0.0 ? "-" : "";
+  text += qxrun::GroupThousands(units);
+  text += fraction;
+  return text;
 }
 
 struct Trading {

@@ -19,6 +19,9 @@ void ResetAccount(StrategyAccount& account, double initCapital, bool percentMode
   account.Trades.clear();
   // The bar-order entries are kept aside for the new run to fill.
   std::map<int32_t, std::vector<OrderRecord>>& spare = account.SpareBarOrders;
+  // Usually every entry is spare by now: the whole tree is handed over at once, instead of node
+  // by node (each move rebalances both trees).
+  if (spare.empty()) spare.swap(account.BarOrders);
   while (!account.BarOrders.empty()) {
     auto entry = account.BarOrders.extract(account.BarOrders.begin());
     entry.key() = spare.empty() ? 0 : spare.begin()->first - 1;
