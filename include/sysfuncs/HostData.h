@@ -13,6 +13,8 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <type_traits>
+#include <unordered_map>
 #include <vector>
 
 namespace sysfuncs {
@@ -339,9 +341,8 @@ using StrategyAccountPtr = IceUtil::Handle<StrategyAccount>;
 // ---------------------------------------------------------------------------------------------
 // Output
 
-// One bar of one plot series. Locators hold the invalid number until one is given.
-// The flags sit together beside the colour, so that a cell holds no padding (72 bytes): a plot
-// series keeps one cell per bar.
+// One bar of one plot series, whole: what PlotSeries::Cell answers and SetCell takes. Locators
+// hold the invalid number until one is given.
 struct PlotCell {
   double boolLocator = sysfuncs::kInvalidNumber;
   double numericLocator = sysfuncs::kInvalidNumber;
@@ -356,11 +357,103 @@ struct PlotCell {
   bool colorSet = false;
 };
 
-// A named plot series, one cell per bar.
-struct PlotSeries {
-  std::vector<PlotCell> cells;
+// A named plot series of one cell per bar, stored compactly: the value, colour and flags of every
+// cell in one dense array of 16 bytes a bar; the three locators and the text only for the cells
+// that have a locator or a non-empty text, in a side store keyed by bar. A numeric series without
+// locators thus costs 16 bytes a bar; a cell with a side record about 90 bytes more. Cells are
+// read and written whole, as copies (Cell, SetCell); a reader that only draws the numeric values
+// reads them in place (NumericSet, NumericValue).
+class PlotSeries {
+ public:
   std::string name;
+
+  // Cells, one per bar.
+  size_t Size() const { return dense_.size(); }
+
+  // Cells past `bars` are dropped; new cells are as a default PlotCell.
+  void Resize(size_t bars) {
+    if (bars < dense_.size() && !sparse_.empty()) {
+      std::erase_if(sparse_, [bars](const auto& entry) { return entry.first >= bars; });
+    }
+    dense_.resize(bars);
+  }
+
+  // The whole cell of `bar`. REQUIRES: bar < Size().
+  PlotCell Cell(size_t bar) const {
+    const DenseCell& dense = dense_[bar];
+    PlotCell cell;
+    cell.numericValue = dense.numericValue;
+    cell.color = dense.color;
+    cell.boolSet = (dense.flags & kBoolSet) != 0;
+    cell.boolValue = (dense.flags & kBoolValue) != 0;
+    cell.numericSet = (dense.flags & kNumericSet) != 0;
+    cell.stringSet = (dense.flags & kStringSet) != 0;
+    cell.colorSet = (dense.flags & kColorSet) != 0;
+    if ((dense.flags & kHasSideRecord) != 0) {
+      const SideRecord& side = sparse_.at(bar);
+      cell.boolLocator = side.boolLocator;
+      cell.numericLocator = side.numericLocator;
+      cell.stringLocator = side.stringLocator;
+      cell.text = side.text;
+    }
+    return cell;
+  }
+
+  // Replaces the cell of `bar`. REQUIRES: bar < Size().
+  void SetCell(size_t bar, const PlotCell& cell) {
+    DenseCell& dense = dense_[bar];
+    dense.numericValue = cell.numericValue;
+    dense.color = cell.color;
+    dense.flags =
+        static_cast<uint8_t>((cell.boolSet ? kBoolSet : 0) | (cell.boolValue ? kBoolValue : 0) |
+                             (cell.numericSet ? kNumericSet : 0) |
+                             (cell.stringSet ? kStringSet : 0) | (cell.colorSet ? kColorSet : 0));
+    const bool side = cell.boolLocator != sysfuncs::kInvalidNumber ||
+                      cell.numericLocator != sysfuncs::kInvalidNumber ||
+                      cell.stringLocator != sysfuncs::kInvalidNumber || !cell.text.empty();
+    if (!side) {
+      sparse_.erase(bar);
+      return;
+    }
+    dense.flags |= kHasSideRecord;
+    SideRecord& record = sparse_[bar];
+    record.boolLocator = cell.boolLocator;
+    record.numericLocator = cell.numericLocator;
+    record.stringLocator = cell.stringLocator;
+    record.text = cell.text;
+  }
+
+  // The numeric part of a cell alone, for readers that draw the series. REQUIRES: bar < Size().
+  bool NumericSet(size_t bar) const { return (dense_[bar].flags & kNumericSet) != 0; }
+  double NumericValue(size_t bar) const { return dense_[bar].numericValue; }
+
+ private:
+  enum : uint8_t {
+    kBoolSet = 1,
+    kBoolValue = 2,
+    kNumericSet = 4,
+    kStringSet = 8,
+    kColorSet = 16,
+    kHasSideRecord = 32,  // the cell's locators and text are in sparse_
+  };
+  struct DenseCell {
+    double numericValue = 0.0;
+    int32_t color = 0;
+    uint8_t flags = 0;
+  };
+  static_assert(sizeof(DenseCell) == 16, "a plotted bar costs 16 bytes");
+  struct SideRecord {
+    double boolLocator;
+    double numericLocator;
+    double stringLocator;
+    std::string text;
+  };
+
+  std::vector<DenseCell> dense_;
+  std::unordered_map<size_t, SideRecord> sparse_;
 };
+// The list of series grows by moving each series, never by copying its cells.
+static_assert(std::is_nothrow_move_constructible_v<PlotSeries>);
 
 // ---------------------------------------------------------------------------------------------
 // The host data object

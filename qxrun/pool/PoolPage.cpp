@@ -49,10 +49,12 @@ PageData BuildPoolPageData(const RunHeading& heading, const RunFigures& figures,
   data.BarCount = static_cast<int32_t>(index[0].Bars.size());
   PlotSeries& held = data.Plots.emplace_back();
   held.name = "symbols held";
-  for (const std::vector<int8_t>& sides : book.Held) {
-    PlotCell& cell = held.cells.emplace_back();
+  held.Resize(book.Held.size());
+  for (size_t bar = 0; bar < book.Held.size(); ++bar) {
+    PlotCell cell;
     cell.numericSet = true;
-    for (const int8_t side : sides) cell.numericValue += side != 0 ? 1.0 : 0.0;
+    for (const int8_t side : book.Held[bar]) cell.numericValue += side != 0 ? 1.0 : 0.0;
+    held.SetCell(bar, cell);
   }
   data.Account = new StrategyAccount;
   data.Account->EquityCurve = book.EquityCurve;

@@ -70,10 +70,11 @@ PageData BuildPageData(const RunHeading& heading, const RunFigures& figures,
     // A series far from the prices (an oscillator) gets a pane of its own.
     double sum = 0.0;
     size_t count = 0;
-    for (size_t bar = 0; bar < series.cells.size() && bar < bars.size(); ++bar) {
-      if (!series.cells[bar].numericSet) continue;
-      line.Points.push_back({page.Candles[bar].Time, series.cells[bar].numericValue});
-      sum += series.cells[bar].numericValue / (bars[bar].Close != 0.0 ? bars[bar].Close : 1.0);
+    for (size_t bar = 0; bar < series.Size() && bar < bars.size(); ++bar) {
+      if (!series.NumericSet(bar)) continue;
+      const double value = series.NumericValue(bar);
+      line.Points.push_back({page.Candles[bar].Time, value});
+      sum += value / (bars[bar].Close != 0.0 ? bars[bar].Close : 1.0);
       ++count;
     }
     const double meanRatio = count > 0 ? sum / static_cast<double>(count) : 1.0;

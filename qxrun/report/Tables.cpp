@@ -549,8 +549,8 @@ void WritePlotsCsv(std::ostream& out, const CQXBaseData& data) {
     csv.Int(static_cast<int64_t>(bar)).Comma().Time(bars[bar].Time);
     for (const PlotSeries& series : data.Plots) {
       csv.Comma();
-      if (bar < series.cells.size() && series.cells[bar].numericSet) {
-        csv.Number(series.cells[bar].numericValue);
+      if (bar < series.Size() && series.NumericSet(bar)) {
+        csv.Number(series.NumericValue(bar));
       }
     }
     csv.EndRow();

@@ -43,8 +43,9 @@ void KeepLocator(double& target, double locator) {
   if (std::isfinite(locator) && std::fabs(locator) > kLocatorEpsilon) target = locator;
 }
 
-// Admits the call, finds or builds the series, resizes it to BarCount and lets `fill` write the
-// target cell; a new series joins the list after its cell is filled. False when refused.
+// Admits the call, finds or builds the series, resizes it to BarCount and lets `fill` change the
+// target cell, which is then stored; a new series joins the list after its cell is filled. False
+// when refused.
 template <typename Fill>
 bool Plot(CQXBaseData& data, const std::string& name, int32_t color, int32_t barsAgo, Fill fill) {
   const std::optional<int32_t> target = Admit(data, name, barsAgo);
@@ -54,11 +55,12 @@ bool Plot(CQXBaseData& data, const std::string& name, int32_t color, int32_t bar
   std::optional<PlotSeries> created;
   if (found == nullptr) created.emplace().name = name;
   PlotSeries& series = found != nullptr ? *found : *created;
-  series.cells.resize(static_cast<size_t>(data.BarCount));
-  PlotCell& cell = series.cells[static_cast<size_t>(*target)];
+  series.Resize(static_cast<size_t>(data.BarCount));
+  PlotCell cell = series.Cell(static_cast<size_t>(*target));
   fill(cell);
   cell.colorSet = color != -1;
   cell.color = color;
+  series.SetCell(static_cast<size_t>(*target), cell);
   if (created) data.Plots.push_back(std::move(*created));
   return true;
 }
@@ -120,12 +122,13 @@ bool Unplot(CQXBaseData& data, const std::string& name, int32_t barsAgo) {
   if (!target) return false;
   PlotSeries* series = FindSeries(data, name);
   if (series == nullptr) return false;
-  if (static_cast<size_t>(*target) >= series->cells.size()) return false;
-  PlotCell& cell = series->cells[static_cast<size_t>(*target)];
+  if (static_cast<size_t>(*target) >= series->Size()) return false;
+  PlotCell cell = series->Cell(static_cast<size_t>(*target));
   cell.stringSet = false;
   cell.boolSet = false;
   cell.numericSet = false;
   cell.colorSet = false;
+  series->SetCell(static_cast<size_t>(*target), cell);
   return true;
 }
 

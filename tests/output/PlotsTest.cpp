@@ -6,6 +6,7 @@
 
 #include <climits>
 #include <cmath>
+#include <stdexcept>
 #include <string>
 
 namespace sysfuncs::testing {
@@ -21,8 +22,10 @@ class Plots : public ::testing::Test {
     host.At(0, 2);
   }
 
-  const PlotCell& Cell(size_t series, size_t bar) const {
-    return host.data.Plots.at(series).cells.at(bar);
+  PlotCell Cell(size_t series, size_t bar) const {
+    const PlotSeries& plotted = host.data.Plots.at(series);
+    if (bar >= plotted.Size()) throw std::out_of_range("no cell " + std::to_string(bar));
+    return plotted.Cell(bar);
   }
 
   TestHost host;
@@ -33,7 +36,7 @@ TEST_F(Plots, NumericFillsItsCellOfASeriesOfBarCountCells) {
   EXPECT_EQ(funcs->PlotNumeric("MA", 10.5, 0.25, 0xFF00, 0), 10.5);
   ASSERT_EQ(host.data.Plots.size(), 1u);
   EXPECT_EQ(host.data.Plots[0].name, "MA");
-  ASSERT_EQ(host.data.Plots[0].cells.size(), 5u);
+  ASSERT_EQ(host.data.Plots[0].Size(), 5u);
   const PlotCell& cell = Cell(0, 2);
   EXPECT_TRUE(cell.numericSet);
   EXPECT_EQ(cell.numericValue, 10.5);
@@ -218,23 +221,108 @@ TEST_F(Plots, TheSecondByteOfAGbkCharacterIsNotALetter) {
 
 TEST_F(Plots, EveryPlotFollowsTheBarCountButUnplotNeverResizes) {
   funcs->PlotNumeric("p", 1.0, 0.0, -1, 0);
-  ASSERT_EQ(host.data.Plots[0].cells.size(), 5u);
+  ASSERT_EQ(host.data.Plots[0].Size(), 5u);
   // The bar series grows by three bars: the next plot grows the series, cells kept.
   host.sources[0].Bars = EvenBars(0, 60000, 8);
   host.At(0, 7);
   EXPECT_FALSE(funcs->Unplot("p", 0)) << "cell 7 does not exist yet";
-  EXPECT_EQ(host.data.Plots[0].cells.size(), 5u);
+  EXPECT_EQ(host.data.Plots[0].Size(), 5u);
   funcs->PlotBool("P", true, 0.0, -1, 0);
-  ASSERT_EQ(host.data.Plots[0].cells.size(), 8u);
+  ASSERT_EQ(host.data.Plots[0].Size(), 8u);
   EXPECT_EQ(Cell(0, 2).numericValue, 1.0);
   EXPECT_TRUE(Cell(0, 7).boolSet);
+  funcs->PlotString("p", "gone", 2.5, 3, 3);  // bar 4, with a locator and a text
   // A shrinking series drops cells at the end.
   host.sources[0].Bars = EvenBars(0, 60000, 3);
   host.At(0, 2);
   funcs->PlotString("p", "x", 0.0, -1, 0);
-  ASSERT_EQ(host.data.Plots[0].cells.size(), 3u);
+  ASSERT_EQ(host.data.Plots[0].Size(), 3u);
   EXPECT_TRUE(Cell(0, 2).numericSet);
   EXPECT_TRUE(Cell(0, 2).stringSet);
+  // Grown again, the dropped cells come back new, their locators and texts gone with them.
+  host.sources[0].Bars = EvenBars(0, 60000, 8);
+  host.At(0, 7);
+  funcs->PlotNumeric("p", 2.0, 0.0, -1, 1);
+  ASSERT_EQ(host.data.Plots[0].Size(), 8u);
+  for (size_t bar : {4u, 7u}) {
+    const PlotCell cell = Cell(0, bar);
+    EXPECT_FALSE(cell.boolSet || cell.stringSet || cell.colorSet) << bar;
+    EXPECT_EQ(cell.text, "") << bar;
+    EXPECT_EQ(cell.stringLocator, kInvalidNumber) << bar;
+    EXPECT_EQ(cell.color, 0) << bar;
+  }
+}
+
+TEST_F(Plots, AnEmptyTextReplacesTheTextAndKeepsTheLocators) {
+  // "q" has no locator, so its cell holds nothing but the text; "r" keeps its locator.
+  funcs->PlotString("q", "t", 0.0, -1, 0);
+  funcs->PlotString("q", "", 0.0, -1, 0);
+  funcs->PlotString("r", "t", 3.0, -1, 0);
+  funcs->PlotString("r", "", 0.0, -1, 0);
+  for (size_t series : {0u, 1u}) {
+    EXPECT_TRUE(Cell(series, 2).stringSet) << "an empty text is not the invalid text";
+    EXPECT_EQ(Cell(series, 2).text, "") << series;
+  }
+  EXPECT_EQ(Cell(0, 2).stringLocator, kInvalidNumber);
+  EXPECT_EQ(Cell(1, 2).stringLocator, 3.0);
+}
+
+// Every part of a cell comes back as it was stored, also when a cell is stored over another of a
+// different shape.
+TEST(PlotStorage, ACellReadsBackWhatWasStoredOverAnyOther) {
+  auto cellOf = [](double value, double locator, const char* text, int32_t color, int flags) {
+    PlotCell cell;
+    cell.numericValue = value;
+    cell.numericLocator = locator;
+    cell.boolLocator = flags & 1 ? -locator : kInvalidNumber;
+    cell.text = text;
+    cell.color = color;
+    cell.boolSet = flags & 1;
+    cell.boolValue = flags & 2;
+    cell.numericSet = flags & 4;
+    cell.stringSet = flags & 8;
+    cell.colorSet = flags & 16;
+    return cell;
+  };
+  const PlotCell rows[] = {
+      PlotCell(),                                        // a new cell
+      cellOf(3000.5, kInvalidNumber, "", 0xFF, 4 | 16),  // a plain numeric cell
+      cellOf(kInvalidNumber, 2.0, "", -1, 0),            // an invalid value with a locator
+      cellOf(0.0, kInvalidNumber, "N/A", 0, 0),          // the invalid text, not shown
+      cellOf(-1.25, 1e-6, "a text past the short-string size", 7, 1 | 2 | 4 | 8 | 16),
+      cellOf(1.0, 5.0, "", 0, 1),  // a false bool with a locator
+  };
+  const size_t count = sizeof(rows) / sizeof(rows[0]);
+  for (size_t first = 0; first < count; ++first) {
+    for (size_t second = 0; second < count; ++second) {
+      PlotSeries series;
+      series.Resize(3);
+      series.SetCell(1, rows[first]);
+      series.SetCell(1, rows[second]);
+      const PlotCell cell = series.Cell(1);
+      const PlotCell& want = rows[second];
+      const std::string row = std::to_string(first) + " then " + std::to_string(second);
+      EXPECT_EQ(cell.numericValue, want.numericValue) << row;
+      EXPECT_EQ(cell.numericLocator, want.numericLocator) << row;
+      EXPECT_EQ(cell.boolLocator, want.boolLocator) << row;
+      EXPECT_EQ(cell.stringLocator, want.stringLocator) << row;
+      EXPECT_EQ(cell.text, want.text) << row;
+      EXPECT_EQ(cell.color, want.color) << row;
+      EXPECT_EQ(cell.boolSet, want.boolSet) << row;
+      EXPECT_EQ(cell.boolValue, want.boolValue) << row;
+      EXPECT_EQ(cell.numericSet, want.numericSet) << row;
+      EXPECT_EQ(cell.stringSet, want.stringSet) << row;
+      EXPECT_EQ(cell.colorSet, want.colorSet) << row;
+      EXPECT_EQ(series.NumericSet(1), want.numericSet) << row;
+      EXPECT_EQ(series.NumericValue(1), want.numericValue) << row;
+      // The neighbours stay new cells.
+      for (size_t bar : {0u, 2u}) {
+        EXPECT_EQ(series.Cell(bar).text, "") << row;
+        EXPECT_EQ(series.Cell(bar).numericLocator, kInvalidNumber) << row;
+        EXPECT_FALSE(series.NumericSet(bar)) << row;
+      }
+    }
+  }
 }
 
 TEST_F(Plots, UnplotClearsTheFlagsAndKeepsTheValues) {

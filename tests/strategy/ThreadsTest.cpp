@@ -92,7 +92,8 @@ auto Outcome(const CQXBaseData& data) {
   std::vector<double> equity;
   for (const EquityPoint& point : data.Account->EquityCurve) equity.push_back(point.Equity);
   std::vector<double> plotted;
-  for (const PlotCell& cell : data.Plots.at(0).cells) plotted.push_back(cell.numericValue);
+  const PlotSeries& series = data.Plots.at(0);
+  for (size_t bar = 0; bar < series.Size(); ++bar) plotted.push_back(series.NumericValue(bar));
   return std::tuple(orders, equity, plotted, data.Account->Capital);
 }
 
