@@ -17,8 +17,6 @@
 namespace sysfuncs::testing {
 namespace {
 
-constexpr int32_t kNoInteger = 2147483647;  // the invalid answers
-constexpr double kNoNumber = 1.7976931348623157e308;
 constexpr double kPriceScale = 0.20000000298023224;     // 0.2f widened
 constexpr double kBigPointValue = 0.10000000149011612;  // 0.1f widened
 constexpr const char* kDaySessions = "09:00-10:15,10:30-11:30,13:30-15:00,";
@@ -111,13 +109,11 @@ TEST(SymbolProperties, AnUnknownSymbolAnswersInvalidValuesAndIsAskedAgainOnTheNe
   c.host.At(1, 0);
   ASSERT_EQ(f.Category(), 7);  // the cache grows to data source 1; 0's place stays empty
   c.host.At(0, 0);
-  EXPECT_EQ(f.Category(), kNoInteger);
-  EXPECT_EQ(f.GetSessionCount(), kNoInteger);
-  EXPECT_EQ(f.StrikePrice(), kNoNumber);
-  EXPECT_EQ(f.GetSessionStartTime(0), kNoNumber);
-  EXPECT_FALSE(f.CanTrade());
-  EXPECT_EQ(f.SymbolName(), "");
-  EXPECT_EQ(f.TradingDayLeft(), 0);
+  // Each call asks again (braces keep the calls in order).
+  EXPECT_EQ(
+      (std::tuple{f.Category(), f.GetSessionCount(), f.StrikePrice(), f.GetSessionStartTime(0),
+                  f.CanTrade(), f.SymbolName(), f.TradingDayLeft()}),
+      std::tuple(kNoInteger, kNoInteger, kNoNumber, kNoNumber, false, "", 0));
   EXPECT_EQ(c.adapter.propertyCalls, 9);  // 1 at construction, 1 for data source 1, then each call
   c.adapter.properties["IF2506"] = Record();
   EXPECT_EQ(f.SymbolName(), "沪铜2506");

@@ -13,21 +13,6 @@
 
 namespace sysfuncs::testing {
 
-inline constexpr int32_t kNoInteger = 2147483647;  // the invalid answers
-inline constexpr double kNoNumber = 1.7976931348623157e308;
-
-// "rb2410": tradable, tick 0.2 (2 x 0.1), 10 units per lot of point value 1, margin kind 4.
-inline Quill::ICodeProperty FuturesContract() {
-  Quill::ICodeProperty contract;
-  contract.Tradable = true;
-  contract.MinMove = 2;
-  contract.PriceScale = 0.1f;
-  contract.ContractUnit = 10;
-  contract.BigPointValue = 1.0f;
-  contract.MarginKind = 4;
-  return contract;
-}
-
 // Three bars in Shanghai time: Monday 2024-03-04 14:00, Tuesday 09:00 and 10:00. Bar 0 lies on
 // another trading day than the last bar; bar 1 on the same one.
 inline std::vector<QXBar> ThreeBars() {
@@ -39,7 +24,8 @@ inline std::vector<QXBar> ThreeBars() {
 struct LiveHost {
   explicit LiveHost(std::vector<QXBar> bars = ThreeBars(), uint32_t barType = 1,
                     uint32_t barInterval = 1) {
-    adapter.properties["rb2410"] = FuturesContract();
+    // Tick 0.2 (2 x 0.1), 10 units a lot of point value 1, margin kind 4.
+    adapter.properties["rb2410"] = TradableContract(2, 0.1f, 10, 1.0f, 4);
     host.AddSource("rb2410", std::move(bars), barType, barInterval, 7);
     host.data.BrokerID = "8|abc";
     host.data.AccountID = "10086";

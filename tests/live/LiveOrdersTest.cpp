@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace sysfuncs::testing {
@@ -39,19 +40,12 @@ TEST(LiveOrders, TheFrontEndReceivesTheFilledRecord) {
   ASSERT_TRUE(f.A_SendOrder(1, 0, 2, 4000.05, -5, 7));
   ASSERT_EQ(front.shown.size(), 1u);
   const Quill::ITradeOrder& order = front.shown[0];
-  EXPECT_EQ(order.BrokerNo, 8);
-  EXPECT_EQ(order.AccountID, "10086");
-  EXPECT_EQ(order.CodeID.MarketId, 7);
-  EXPECT_EQ(order.CodeID.Code, "rb2410");
-  EXPECT_EQ(order.BuyOrSell, 1);
-  EXPECT_EQ(order.EntryOrExit, 1);
-  EXPECT_EQ(order.Lot, 2);
+  EXPECT_EQ(std::tuple(order.BrokerNo, order.AccountID, order.CodeID.MarketId, order.CodeID.Code,
+                       order.BuyOrSell, order.EntryOrExit, order.Lot, order.Status),
+            std::tuple(8, "10086", 7, "rb2410", 1, 1, 2.0, 0));
   EXPECT_DOUBLE_EQ(order.Price, 4000.2);  // a buy goes up to the next 0.2 step
-  EXPECT_EQ(order.Source, "A_SendOrder");
-  EXPECT_EQ(order.Comment, "A_SendOrder#MA交叉");
-  EXPECT_EQ(order.ContractNo, "");
-  EXPECT_EQ(order.Status, 0);
-  EXPECT_EQ(front.reserved[0], 0);
+  EXPECT_EQ(std::tuple(order.Source, order.Comment, order.ContractNo, front.reserved[0]),
+            std::tuple("A_SendOrder", "A_SendOrder#MA交叉", "", 0));
   // Exits: 1 is sent as the platform's 7, exit today as 5.
   ASSERT_TRUE(f.A_SendOrder(2, 1, 1, 4000, 0, 0));
   ASSERT_TRUE(f.A_SendOrder(2, 2, 1, 4000, 0, 0));

@@ -222,18 +222,13 @@ TEST(Quotes, OffTheLastBarOnlyTheDayConstantFieldsAnswer) {
   live.adapter.quotes["rb2410"] = Snapshot();
   CSystemFuncs& f = live.Funcs(1);  // same trading day as the last bar
   EXPECT_EQ(live.adapter.quoteCalls, 0) << "bar 0 is another day: no limits at construction";
-  EXPECT_EQ(f.Q_Last(), kNoNumber);
-  EXPECT_EQ(f.Q_Close(), kNoNumber);
-  EXPECT_EQ(f.Q_LastFlag(), kNoInteger);
-  EXPECT_EQ(f.Q_LastDate(), kNoInteger);
-  EXPECT_EQ(f.Q_BidPrice(0), kNoNumber);
-  EXPECT_EQ(f.A_CurrentEquity(), kNoNumber);
+  EXPECT_EQ(std::vector<double>({f.Q_Last(), f.Q_Close(), f.Q_BidPrice(0), f.A_CurrentEquity()}),
+            std::vector<double>(4, kNoNumber));
+  EXPECT_EQ(std::tuple(f.Q_LastFlag(), f.Q_LastDate()), std::tuple(kNoInteger, kNoInteger));
   EXPECT_EQ(live.adapter.LiveCalls(), 0);
-  EXPECT_EQ(f.Q_Open(), 4010);
-  EXPECT_EQ(f.Q_PreSettlePrice(), 4000);
-  EXPECT_EQ(f.Q_PreOpenInt(), 150000);
-  EXPECT_EQ(f.Q_UpperLimit(), 4280);
-  EXPECT_EQ(f.Q_LowerLimit(), 3720);
+  EXPECT_EQ(std::vector<double>({f.Q_Open(), f.Q_PreSettlePrice(), f.Q_PreOpenInt(),
+                                 f.Q_UpperLimit(), f.Q_LowerLimit()}),
+            std::vector<double>({4010, 4000, 150000, 4280, 3720}));
   EXPECT_EQ(live.adapter.quoteCalls, 5);
   live.host.At(0, 0);  // Monday: another trading day
   EXPECT_EQ(f.Q_Open(), kNoNumber);
@@ -302,20 +297,17 @@ TEST(Quotes, FailuresAndBadAddressesAnswerInvalidValuesAndStoreNothing) {
 
   live.host.data.CurrentData = 3;  // a data source the host lacks
   live.adapter.quoteCalls = 0;
-  EXPECT_EQ(f.Q_Open(), kNoNumber);
-  EXPECT_EQ(f.Q_LastFlag(), kNoInteger);
-  EXPECT_EQ(f.Q_BidPrice(1), kNoNumber);
-  EXPECT_FALSE(f.QuoteDataExist());
+  EXPECT_EQ(std::tuple(f.Q_Open(), f.Q_LastFlag(), f.Q_BidPrice(1), f.QuoteDataExist()),
+            std::tuple(kNoNumber, kNoInteger, kNoNumber, false));
   EXPECT_EQ(f.A_BuyPosition(), 0) << "a position that cannot be asked for reads as none";
   EXPECT_EQ(live.adapter.LiveCalls(), 0);
 
   live.host.data.CurrentData = 0;
   ScopedAdapter none(nullptr);  // the module is not started
   CSystemFuncs fresh(&live.host.data);
-  EXPECT_EQ(fresh.Q_Close(), kNoNumber);
-  EXPECT_EQ(fresh.A_CurrentEquity(), kNoNumber);
-  EXPECT_EQ(fresh.A_GetOrderCount(), kNoInteger);
-  EXPECT_FALSE(fresh.A_DeleteOrder(""));
+  EXPECT_EQ(std::tuple(fresh.Q_Close(), fresh.A_CurrentEquity(), fresh.A_GetOrderCount(),
+                       fresh.A_DeleteOrder("")),
+            std::tuple(kNoNumber, kNoNumber, kNoInteger, false));
 }
 
 TEST(Quotes, ACachedHitAllocatesNothing) {

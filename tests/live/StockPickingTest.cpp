@@ -27,20 +27,23 @@ struct OrderRow {
   double lots, price;
 };
 
-void ExpectOrders(const LiveHost& live, const std::vector<OrderRow>& want) {
+// The orders of the ledger from the `from`th on.
+void ExpectOrders(const LiveHost& live, const std::vector<OrderRow>& want, size_t from = 0) {
   const std::vector<OrderRecord>& orders = live.host.data.Ledgers[0].Orders;
-  ASSERT_EQ(orders.size(), want.size());
+  ASSERT_EQ(orders.size(), from + want.size());
   for (size_t i = 0; i < want.size(); ++i) {
-    EXPECT_EQ(orders[i].Kind, want[i].kind) << "order " << i;
-    EXPECT_EQ(orders[i].Bar, want[i].bar) << "order " << i;
-    EXPECT_EQ(orders[i].Lots, want[i].lots) << "order " << i;
-    EXPECT_DOUBLE_EQ(orders[i].Price, want[i].price) << "order " << i;
+    const OrderRecord& order = orders[from + i];
+    EXPECT_EQ(order.Kind, want[i].kind) << "order " << i;
+    EXPECT_EQ(order.Bar, want[i].bar) << "order " << i;
+    EXPECT_EQ(order.Lots, want[i].lots) << "order " << i;
+    EXPECT_DOUBLE_EQ(order.Price, want[i].price) << "order " << i;
   }
 }
 
 constexpr uint32_t kPickBuy = uint32_t{kBuy} | kOriginStockPicking;
 constexpr uint32_t kPickSell = uint32_t{kSell} | kOriginStockPicking;
 constexpr uint32_t kPickSellShort = uint32_t{kSellShort} | kOriginStockPicking;
+constexpr uint32_t kPickCover = uint32_t{kBuyToCover} | kOriginStockPicking;
 
 // A pool run as a host drives it: before each bar the host ranks the pool and writes this
 // symbol's rank; the formula records its close as criterion 1 and holds the symbol while it
@@ -119,24 +122,10 @@ TEST(StockPicking, CheckPointsMoveThePositionToTheDecision) {
     std::vector<OrderRow> picks;
   } rows[] = {
       {"no decision leaves a long position", true, 2, true, -999, true, 1, {}},
-      {"a disabled decision in a pool closes",
-       true,
-       2,
-       true,
-       1,
-       false,
-       0,
-       {{kPickSell, 3, 2, 135}}},
+      {"disabled in a pool: it closes", true, 2, true, 1, false, 0, {{kPickSell, 3, 2, 135}}},
       {"outside a pool the flag is ignored", false, 0, true, 1, false, 1, {{kPickBuy, 3, 1, 135}}},
       {"a historical bar opens nothing", false, 0, false, 1, true, 0, {}},
-      {"a historical bar still closes",
-       false,
-       -1,
-       false,
-       1,
-       true,
-       0,
-       {{uint32_t{kBuyToCover} | kOriginStockPicking, 2, 1, 125}}},
+      {"a historical bar still closes", false, -1, false, 1, true, 0, {{kPickCover, 2, 1, 125}}},
       {"long to short on the last bar",
        false,
        2,
@@ -148,6 +137,7 @@ TEST(StockPicking, CheckPointsMoveThePositionToTheDecision) {
       {"an unknown signal opens nothing", false, 0, true, 3, true, 0, {}},
   };
   for (const auto& row : rows) {
+    SCOPED_TRACE(row.row);
     LiveHost live(FourDays());
     CSystemFuncs& f = live.Funcs(row.lastBar ? 3 : 2);
     live.host.data.Account->PoolMode = row.pool;
@@ -159,13 +149,7 @@ TEST(StockPicking, CheckPointsMoveThePositionToTheDecision) {
     const size_t before = live.host.data.Ledgers[0].Orders.size();
     EXPECT_TRUE(f.StockPickingCheckPoint(row.signal, row.flag)) << row.row;
     EXPECT_EQ(f.MarketPosition(), row.position) << row.row;
-    const std::vector<OrderRecord>& orders = live.host.data.Ledgers[0].Orders;
-    ASSERT_EQ(orders.size() - before, row.picks.size()) << row.row;
-    for (size_t i = 0; i < row.picks.size(); ++i) {
-      EXPECT_EQ(orders[before + i].Kind, row.picks[i].kind) << row.row;
-      EXPECT_EQ(orders[before + i].Lots, row.picks[i].lots) << row.row;
-      EXPECT_DOUBLE_EQ(orders[before + i].Price, row.picks[i].price) << row.row;
-    }
+    ExpectOrders(live, row.picks, before);
     const CheckPointRecord& record = live.host.data.Account->CheckPoints.rbegin()->second;
     EXPECT_EQ(record.Signal, row.signal) << row.row;
     EXPECT_EQ(record.Enabled, row.pool ? int32_t{row.flag} : 1) << row.row;

@@ -1,24 +1,17 @@
 #include "platform/Services.h"
 #include "support/HostBuilder.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <unistd.h>
 
 namespace sysfuncs::testing {
 namespace {
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
 
 Quill::MsgRecord Record(const std::string& key, const std::string& text) {
   Quill::MsgRecord record;
@@ -33,27 +26,20 @@ std::string ShortName(const char* name) {
   return "/tmp/sfmc" + std::to_string(getpid() % 100000) + name;
 }
 
+// A key cut before its bracket names the rest.
 TEST(DefaultMessageCentre, AppendsEachLineToTheFileNamedInItsKey) {
-  const std::string a = ShortName("a"), b = ShortName("b");
+  const std::string a = ShortName("a"), b = ShortName("b"), cut = ShortName("cut");
   std::filesystem::remove(b);
+  std::filesystem::remove(cut);
   std::ofstream(a) << "kept\n";
-  const Quill::MsgRecord records[] = {Record("FA[" + a + "]", "one"),
-                                      Record("FA[" + b + "]", "two"),
-                                      Record("FA[" + a + "]", "three")};
-  DefaultSendToMsgCenter(1, records, 3);
-  EXPECT_EQ(ReadFile(a), "kept\none\nthree\n");
-  EXPECT_EQ(ReadFile(b), "two\n");
-  std::filesystem::remove(a);
-  std::filesystem::remove(b);
-}
-
-TEST(DefaultMessageCentre, AKeyCutBeforeItsBracketNamesTheRest) {
-  const std::string name = ShortName("cut");
-  std::filesystem::remove(name);
-  Quill::MsgRecord record = Record("FA[" + name, "line");
-  DefaultSendToMsgCenter(1, &record, 1);
-  EXPECT_EQ(ReadFile(name), "line\n");
-  std::filesystem::remove(name);
+  const Quill::MsgRecord records[] = {
+      Record("FA[" + a + "]", "one"), Record("FA[" + b + "]", "two"),
+      Record("FA[" + a + "]", "three"), Record("FA[" + cut, "line")};
+  DefaultSendToMsgCenter(1, records, 4);
+  EXPECT_EQ(ReadWholeFile(a), "kept\none\nthree\n");
+  EXPECT_EQ(ReadWholeFile(b), "two\n");
+  EXPECT_EQ(ReadWholeFile(cut), "line\n");
+  for (const std::string& name : {a, b, cut}) std::filesystem::remove(name);
 }
 
 TEST(DefaultServices, DeleteRefuseAndSoundAnswerWhatTheyDid) {

@@ -1,12 +1,13 @@
 #include "qxrun/InputError.h"
 #include "qxrun/data/BarFile.h"
 #include "support/HostBuilder.h"
+#include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <string>
-#include <unistd.h>
+#include <vector>
 
 namespace qxrun {
 namespace {
@@ -20,20 +21,23 @@ constexpr int64_t kUtcMidnight20060102 = 1136160000;
 constexpr int64_t kShanghai0901 = (kUtcMidnight20060102 + 3660) * 1000;
 constexpr int64_t kShanghaiMidnight = (kUtcMidnight20060102 - 8 * 3600) * 1000;
 
+// A file of the `header` columns and Open,High,Low,Close, one bar of prices 1 for each of the
+// '|'-separated `rows`.
+std::string BarsAt(std::string text, std::string_view rows) {
+  text += ",Open,High,Low,Close\n";
+  while (!rows.empty()) {
+    const size_t bar = rows.find('|');
+    text += std::string(rows.substr(0, bar)) + ",1,1,1,1\n";
+    rows = bar == std::string_view::npos ? std::string_view() : rows.substr(bar + 1);
+  }
+  return text;
+}
+
 class BarFileTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    folder_ = std::filesystem::temp_directory_path() /
-              ("bar_file_test_" + std::to_string(getpid()) + "_" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-    std::filesystem::create_directories(folder_);
-  }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
-  std::filesystem::path Write(const std::string& text, const std::string& name = "bars.csv") {
-    const std::filesystem::path path = folder_ / name;
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
+  std::filesystem::path Write(const std::string& text) {
+    std::ofstream(folder_ / "bars.csv", std::ios::binary) << text;
+    return folder_ / "bars.csv";
   }
 
   QXDataSource Load(const std::string& text, const ColumnMap& map = {}) {
@@ -42,9 +46,8 @@ class BarFileTest : public ::testing::Test {
     return source;
   }
 
-  // The message of the error loading `text` gives, with the file's path cut off the front.
-  std::string ErrorOf(const std::string& text, const ColumnMap& map = {}) {
-    const std::filesystem::path path = Write(text);
+  // The message of the error loading `path` gives, with the path cut off the front.
+  static std::string ErrorAt(const std::filesystem::path& path, const ColumnMap& map = {}) {
     QXDataSource source;
     try {
       LoadBarFile(path, map, source);
@@ -55,162 +58,100 @@ class BarFileTest : public ::testing::Test {
     }
     return "loaded " + std::to_string(source.Bars.size()) + " bars";
   }
+  std::string ErrorOf(const std::string& text, const ColumnMap& map = {}) {
+    return ErrorAt(Write(text), map);
+  }
 
-  std::filesystem::path folder_;
+  sysfuncs::testing::TempFolder folder_{"bar_file_test_"};
 };
 
 // ------------------------------------------------------------------------------------------------
 // Layouts people have
 
-struct LayoutCase {
-  const char* name;
-  const char* text;
-  ColumnMap map;
-  int64_t firstTime;
-  double volume;
-  double openInt;
-};
-
 // Every file holds the same two bars, 2006-01-02 09:01 and 09:02, O 3602 H 3603 L 3597 C 3599.
 TEST_F(BarFileTest, ReadsTheLayoutsPeopleHave) {
+  const std::string rows =  // date, time, prices, volume, open interest
+      "2006-01-02,09:01:00,3602,3603,3597,3599,5699,12\n"
+      "2006-01-02,09:02:00,3599,3600,3598,3599,894,13\n";
   ColumnMap semicolonNoHeader;
   semicolonNoHeader.Delimiter = ';';
   semicolonNoHeader.HasHeader = 0;
-  const LayoutCase cases[] = {
-      {"date and time columns",
-       "Date,Time,Open,High,Low,Close,Volume,OpenInterest\n"
-       "2006-01-02,09:01:00,3602,3603,3597,3599,5699,12\n"
-       "2006-01-02,09:02:00,3599,3600,3598,3599,894,13\n",
-       {},
-       kShanghai0901,
-       5699,
+  const struct {
+    const char* name;
+    std::string text;
+    double volume, openInt;
+    ColumnMap map = {};
+  } cases[] = {
+      {"date and time columns", "Date,Time,Open,High,Low,Close,Volume,OpenInterest\n" + rows, 5699,
        12},
-      {"one date-time column, no volume",
-       "DateTime,Open,High,Low,Close\n"
-       "2006-01-02 09:01:00,3602,3603,3597,3599\n"
-       "2006-01-02 09:02:00,3599,3600,3598,3599\n",
-       {},
-       kShanghai0901,
-       0,
-       0},
-      {"header without the time column its rows hold",
-       "Date,Open,High,Low,Close,Volume,OpenInterest\r\n"
-       "2006-01-02,09:01:00,3602.00,3603.00,3597.00,3599.00,5699,12\r\n"
-       "2006-01-02,09:02:00,3600.00,3601.00,3598.00,3599.00,894,0\r\n",
-       {},
-       kShanghai0901,
-       5699,
-       12},
-      {"a Date column holding date and time",
-       "Date,Open,High,Low,Close,Volume\n"
-       "2006-01-02 09:01,3602,3603,3597,3599,5699\n"
-       "2006-01-02 09:02,3599,3600,3598,3599,894\n",
-       {},
-       kShanghai0901,
-       5699,
-       0},
-      {"times with milliseconds",
-       "Date,Time,Open,High,Low,Close\n"
-       "2006-01-02,09:01:00.000,3602,3603,3597,3599\n"
-       "2006-01-02,09:02:00.000,3599,3600,3598,3599\n",
-       {},
-       kShanghai0901,
-       0,
-       0},
-      {"a Time column holding date and time",
-       "Time,Open,High,Low,Close\n"
-       "2006-01-02 09:01:00,3602,3603,3597,3599\n"
-       "2006-01-02 09:02:00,3599,3600,3598,3599\n",
-       {},
-       kShanghai0901,
-       0,
-       0},
+      {"no header, date and time in the usual order", rows, 5699, 12},
       {"ISO date-time with T, names in other case",
        "timestamp,OPEN,high,Low,close,vol,open_interest\n"
        "2006-01-02T09:01:00,3602,3603,3597,3599,5699,12\n"
        "2006-01-02T09:02:00,3599,3600,3598,3599,894,13\n",
-       {},
-       kShanghai0901,
-       5699,
-       12},
-      {"no header, date and time in the usual order",
-       "2006-01-02,09:01:00,3602,3603,3597,3599,5699,12\n"
-       "2006-01-02,09:02:00,3599,3600,3598,3599,894,13\n",
-       {},
-       kShanghai0901,
-       5699,
-       12},
+       5699, 12},
+      {"one date-time column, no volume",
+       "DateTime,Open,High,Low,Close\n"
+       "2006-01-02 09:01:00,3602,3603,3597,3599\n2006-01-02 09:02:00,3599,3600,3598,3599\n",
+       0, 0},
+      {"header without the time column its rows hold",
+       "Date,Open,High,Low,Close,Volume,OpenInterest\r\n"
+       "2006-01-02,09:01:00,3602.00,3603.00,3597.00,3599.00,5699,12\r\n"
+       "2006-01-02,09:02:00,3600.00,3601.00,3598.00,3599.00,894,0\r\n",
+       5699, 12},
+      {"a Date column holding date and time",
+       "Date,Open,High,Low,Close,Volume\n"
+       "2006-01-02 09:01,3602,3603,3597,3599,5699\n2006-01-02 09:02,3599,3600,3598,3599,894\n",
+       5699, 0},
+      {"times with milliseconds",
+       "Date,Time,Open,High,Low,Close\n"
+       "2006-01-02,09:01:00.000,3602,3603,3597,3599\n2006-01-02,09:02:00.000,3599,3600,3598,3599\n",
+       0, 0},
+      {"a Time column holding date and time",
+       "Time,Open,High,Low,Close\n"
+       "2006-01-02 09:01:00,3602,3603,3597,3599\n2006-01-02 09:02:00,3599,3600,3598,3599\n",
+       0, 0},
       {"quoted header, semicolons, extra column",
        "\"Date\";\"Time\";\"Open\";\"High\";\"Low\";\"Close\";\"Amount\";\"Volume\"\n"
        "\"2006-01-02\";\"09:01\";3602;3603;3597;3599;1.5e7;5699\n"
        "\"2006-01-02\";\"09:02\";3599;3600;3598;3599;3.2e6;894\n",
-       {},
-       kShanghai0901,
-       5699,
-       0},
+       5699, 0},
       {"tabs, compact date and digits-only time without its leading zero",
        "Date\tTime\tOpen\tHigh\tLow\tClose\tVolume\n"
        "20060102\t90100\t3602\t3603\t3597\t3599\t5699\n"
        "20060102\t90200\t3599\t3600\t3598\t3599\t894\n",
-       {},
-       kShanghai0901,
-       5699,
-       0},
+       5699, 0},
       {"month-first dates, blanks around fields",
        "Date, Time, Open, High, Low, Close\n"
-       "01/02/2006, 09:01, 3602, 3603, 3597, 3599\n"
-       "01/02/2006, 09:02, 3599, 3600, 3598, 3599\n",
-       {},
-       kShanghai0901,
-       0,
-       0},
-      {"byte order mark and CRLF",
+       "01/02/2006, 09:01, 3602, 3603, 3597, 3599\n01/02/2006, 09:02, 3599, 3600, 3598, 3599\n",
+       0, 0},
+      // A byte order mark, CRLF, and empty lines and a last line without a line end at the end.
+      {"byte order mark, CRLF, blank tail",
        "\xEF\xBB\xBF"
        "Date,Time,Open,High,Low,Close\r\n"
-       "2006-01-02,09:01:00,3602,3603,3597,3599\r\n"
-       "2006-01-02,09:02:00,3599,3600,3598,3599\r\n",
-       {},
-       kShanghai0901,
-       0,
-       0},
-      {"empty lines and a last line without a line end at the end",
-       "Date,Time,Open,High,Low,Close\n"
-       "2006-01-02,09:01:00,3602,3603,3597,3599\n"
-       "2006-01-02,09:02:00,3599,3600,3598,3599\n"
-       "\n"
-       "  \r\n"
-       "\t",
-       {},
-       kShanghai0901,
-       0,
-       0},
+       "2006-01-02,09:01:00,3602,3603,3597,3599\r\n2006-01-02,09:02:00,3599,3600,3598,3599\r\n"
+       "\n  \r\n\t",
+       0, 0},
       {"Chinese names in UTF-8",  // date, time, open price, high, low, close, volume, open int.
        "\xe6\x97\xa5\xe6\x9c\x9f,\xe6\x97\xb6\xe9\x97\xb4,"
        "\xe5\xbc\x80\xe7\x9b\x98\xe4\xbb\xb7,\xe6\x9c\x80\xe9\xab\x98,"
        "\xe6\x9c\x80\xe4\xbd\x8e,\xe6\x94\xb6\xe7\x9b\x98,"
-       "\xe6\x88\x90\xe4\xba\xa4\xe9\x87\x8f,\xe6\x8c\x81\xe4\xbb\x93\xe9\x87\x8f\n"
-       "2006-01-02,09:01:00,3602,3603,3597,3599,5699,12\n"
-       "2006-01-02,09:02:00,3599,3600,3598,3599,894,13\n",
-       {},
-       kShanghai0901,
-       5699,
-       12},
+       "\xe6\x88\x90\xe4\xba\xa4\xe9\x87\x8f,\xe6\x8c\x81\xe4\xbb\x93\xe9\x87\x8f\n" +
+           rows,
+       5699, 12},
       {"Chinese names in GBK, open interest before volume",
        "\xc8\xd5\xc6\xda,\xca\xb1\xbc\xe4,\xbf\xaa\xc5\xcc,\xd7\xee\xb8\xdf\xbc\xdb,"
        "\xd7\xee\xb5\xcd,\xca\xd5\xc5\xcc\xbc\xdb,\xb3\xd6\xb2\xd6\xc1\xbf,"
        "\xb3\xc9\xbd\xbb\xc1\xbf\n"
        "2006-01-02,09:01:00,3602,3603,3597,3599,12,5699\n"
        "2006-01-02,09:02:00,3599,3600,3598,3599,13,894\n",
-       {},
-       kShanghai0901,
-       5699,
-       12},
+       5699, 12},
       {"declared delimiter and no header",
        "2006-01-02;09:01:00;3602;3603;3597;3599;5699\n"
        "2006-01-02;09:02:00;3599;3600;3598;3599;894\n",
-       semicolonNoHeader, kShanghai0901, 5699, 0},
+       5699, 0, semicolonNoHeader},
   };
-  for (const LayoutCase& row : cases) {
+  for (const auto& row : cases) {
     SCOPED_TRACE(row.name);
     QXDataSource source;
     try {
@@ -221,14 +162,10 @@ TEST_F(BarFileTest, ReadsTheLayoutsPeopleHave) {
     }
     ASSERT_EQ(source.Bars.size(), 2u);
     const QXBar& bar = source.Bars[0];
-    EXPECT_EQ(bar.Time, row.firstTime);
-    EXPECT_EQ(bar.Open, 3602.0);
-    EXPECT_EQ(bar.High, 3603.0);
-    EXPECT_EQ(bar.Low, 3597.0);
-    EXPECT_EQ(bar.Close, 3599.0);
-    EXPECT_EQ(bar.Vol, row.volume);
-    EXPECT_EQ(bar.OpenInt, row.openInt);
-    EXPECT_EQ(source.Bars[1].Time, row.firstTime + 60000);
+    EXPECT_EQ(bar.Time, kShanghai0901);
+    EXPECT_EQ(std::vector<double>({bar.Open, bar.High, bar.Low, bar.Close, bar.Vol, bar.OpenInt}),
+              std::vector<double>({3602, 3603, 3597, 3599, row.volume, row.openInt}));
+    EXPECT_EQ(source.Bars[1].Time, kShanghai0901 + 60000);
     EXPECT_EQ(source.BarType, 1u);
     EXPECT_EQ(source.BarInterval, 1u);
   }
@@ -244,10 +181,8 @@ TEST_F(BarFileTest, StockFileSkipsAdjustedCloseAndReadsVolume) {
   // Shanghai's midnight is 8 hours earlier in UTC.
   EXPECT_EQ(source.Bars[0].Time, (9133LL * 86400 - 8 * 3600) * 1000);
   EXPECT_EQ(source.Bars[0].Close, 2.117284);
-  EXPECT_EQ(source.Bars[0].Vol, 36301200.0);
   EXPECT_EQ(source.Bars[1].Vol, 46051600.0);
   EXPECT_EQ(source.BarType, 0u);
-  EXPECT_EQ(source.BarInterval, 1u);
 }
 
 TEST_F(BarFileTest, ColumnMapPlacesEveryField) {
@@ -262,62 +197,50 @@ TEST_F(BarFileTest, ColumnMapPlacesEveryField) {
   map.DateFormat = "%d/%m/%y";
   map.TimeFormat = "%H.%M";
   map.Delimiter = '|';
-  const QXDataSource source = Load(
-      "3599|3602|3603|3597|02/01/06 09.01|12\n"
-      "3598|3599|3600|3598|02/01/06 09.06|13\n",
-      map);
+  const QXDataSource source =
+      Load("3599|3602|3603|3597|02/01/06 09.01|12\n3598|3599|3600|3598|02/01/06 09.06|13\n", map);
   ASSERT_EQ(source.Bars.size(), 2u);
   EXPECT_EQ(source.Bars[0].Time, kShanghai0901);
   EXPECT_EQ(source.Bars[0].Open, 3602.0);
   EXPECT_EQ(source.Bars[0].Close, 3599.0);
   EXPECT_EQ(source.Bars[0].OpenInt, 12.0);
   EXPECT_EQ(source.Bars[1].Time, kShanghai0901 + 5 * 60000);
-  EXPECT_EQ(source.BarType, 1u);
   EXPECT_EQ(source.BarInterval, 5u);
+
+  // Compact date and time formats; a second's spacing makes second bars.
+  map = ColumnMap{};
+  map.DateFormat = "%Y%m%d";
+  map.TimeFormat = "%H%M%S";
+  const QXDataSource seconds =
+      Load("DateTime,Open,High,Low,Close\n20060102 090100,1,1,1,1\n20060102 090101,1,1,1,1\n", map);
+  ASSERT_EQ(seconds.Bars.size(), 2u);
+  EXPECT_EQ(seconds.Bars[1].Time, kShanghai0901 + 1000);
+  EXPECT_EQ(seconds.BarType, 2u);
+  EXPECT_EQ(seconds.BarInterval, 1u);
 }
 
 TEST_F(BarFileTest, ColumnMapOverridesOneDetectedColumn) {
   // The header calls the open interest "Position2", which no rule knows; the map names it, and the
   // detected columns stay.
+  const std::string text =
+      "Date,Time,Open,High,Low,Close,Position2\n2006-01-02,09:01:00,3602,3603,3597,3599,12\n";
+  EXPECT_EQ(Load(text).Bars.at(0).OpenInt, 0.0);
   ColumnMap map;
   map.OpenInt = 6;
-  const QXDataSource source = Load(
-      "Date,Time,Open,High,Low,Close,Position2\n"
-      "2006-01-02,09:01:00,3602,3603,3597,3599,12\n");
-  ASSERT_EQ(source.Bars.size(), 1u);
-  EXPECT_EQ(source.Bars[0].OpenInt, 0.0);
-  QXDataSource mapped;
-  LoadBarFile(folder_ / "bars.csv", map, mapped);
-  EXPECT_EQ(mapped.Bars[0].OpenInt, 12.0);
+  const QXDataSource mapped = Load(text, map);
+  EXPECT_EQ(mapped.Bars.at(0).OpenInt, 12.0);
   EXPECT_EQ(mapped.Bars[0].Close, 3599.0);
-}
-
-TEST_F(BarFileTest, CompactDateTimesInTheirFormats) {
-  ColumnMap map;
-  map.DateFormat = "%Y%m%d";
-  map.TimeFormat = "%H%M%S";
-  const QXDataSource source = Load(
-      "DateTime,Open,High,Low,Close\n"
-      "20060102 090100,1,1,1,1\n"
-      "20060102 090101,1,1,1,1\n",
-      map);
-  ASSERT_EQ(source.Bars.size(), 2u);
-  EXPECT_EQ(source.Bars[1].Time, kShanghai0901 + 1000);
-  EXPECT_EQ(source.BarType, 2u);
-  EXPECT_EQ(source.BarInterval, 1u);
 }
 
 // ------------------------------------------------------------------------------------------------
 // Periods from the spacing of the bars
 
 TEST_F(BarFileTest, PeriodFollowsTheMostFrequentSpacing) {
-  struct PeriodCase {
+  const struct {
     const char* name;
     const char* rows;  // Date,Time rows; each gets prices appended
-    uint32_t barType;
-    uint32_t interval;
-  };
-  const PeriodCase cases[] = {
+    uint32_t barType, interval;
+  } cases[] = {
       // Four 5-minute gaps outweigh the one of 90 minutes over the lunch break.
       {"five minutes",
        "2006-01-02,10:20|2006-01-02,10:25|2006-01-02,10:30|2006-01-02,12:00|"
@@ -325,9 +248,7 @@ TEST_F(BarFileTest, PeriodFollowsTheMostFrequentSpacing) {
        1, 5},
       {"an hour", "2006-01-02,10:00|2006-01-02,11:00|2006-01-02,12:00", 1, 60},
       {"thirty seconds", "2006-01-02,10:00:00|2006-01-02,10:00:30|2006-01-02,10:01:00", 2, 30},
-      {"days over a weekend",
-       "2006-01-05,00:00|2006-01-06,00:00|2006-01-09,00:00|"
-       "2006-01-10,00:00",
+      {"days over a weekend", "2006-01-05,00:00|2006-01-06,00:00|2006-01-09,00:00|2006-01-10,00:00",
        0, 1},
       {"days stamped at the close", "2006-01-05,15:00|2006-01-06,15:00|2006-01-09,15:00", 0, 1},
       {"weeks", "2006-01-06,00:00|2006-01-13,00:00|2006-01-20,00:00", 4, 1},
@@ -335,15 +256,9 @@ TEST_F(BarFileTest, PeriodFollowsTheMostFrequentSpacing) {
       {"one bar at midnight", "2006-01-02,00:00", 0, 1},
       {"one bar in the day", "2006-01-02,09:30", 1, 1},
   };
-  for (const PeriodCase& row : cases) {
+  for (const auto& row : cases) {
     SCOPED_TRACE(row.name);
-    std::string text = "Date,Time,Open,High,Low,Close\n";
-    for (std::string_view rows = row.rows; !rows.empty();) {
-      const size_t bar = rows.find('|');
-      text += std::string(rows.substr(0, bar)) + ",1,1,1,1\n";
-      rows = bar == std::string_view::npos ? std::string_view() : rows.substr(bar + 1);
-    }
-    const QXDataSource source = Load(text);
+    const QXDataSource source = Load(BarsAt("Date,Time", row.rows));
     EXPECT_EQ(source.BarType, row.barType);
     EXPECT_EQ(source.BarInterval, row.interval);
   }
@@ -354,108 +269,87 @@ TEST_F(BarFileTest, PeriodFollowsTheMostFrequentSpacing) {
 
 // 2024-03-10 00:00 UTC is 19792 days after 1970-01-01 (19723 days to 2024-01-01, then 31 + 29 +
 // 9): 1710028800 s. New York's clocks go from 02:00 EST (UTC-5) to 03:00 EDT (UTC-4) that night.
-constexpr int64_t kUtcMidnight20240310 = 1710028800;
 // 2024-11-03 00:00 UTC: 19723 + 305 + 2 = 20030 days, 1730592000 s. Clocks go back from 02:00
-// EDT to 01:00 EST.
-constexpr int64_t kUtcMidnight20241103 = 1730592000;
-
-int64_t Millis(int64_t seconds) { return seconds * 1000; }
-
-TEST_F(BarFileTest, NewYorkSpringForwardTakesTheOffsetAtTheBarsTime) {
-  ScopedTimeZone zone("America/New_York");
-  const QXDataSource source = Load(
-      "Date,Time,Open,High,Low,Close\n"
-      "2024-03-10,01:59,1,1,1,1\n"
-      "2024-03-10,02:30,1,1,1,1\n"  // does not exist: read on the old clock, 03:30 EDT
-      "2024-03-10,03:31,1,1,1,1\n"
-      "2024-03-10,09:30,1,1,1,1\n"
-      "2024-03-11,09:30,1,1,1,1\n");
-  ASSERT_EQ(source.Bars.size(), 5u);
-  EXPECT_EQ(source.Bars[0].Time, Millis(kUtcMidnight20240310 + 6 * 3600 + 59 * 60));   // 06:59Z
-  EXPECT_EQ(source.Bars[1].Time, Millis(kUtcMidnight20240310 + 7 * 3600 + 30 * 60));   // 07:30Z
-  EXPECT_EQ(source.Bars[2].Time, Millis(kUtcMidnight20240310 + 7 * 3600 + 31 * 60));   // 07:31Z
-  EXPECT_EQ(source.Bars[3].Time, Millis(kUtcMidnight20240310 + 13 * 3600 + 30 * 60));  // 13:30Z
-  EXPECT_EQ(source.Bars[4].Time, Millis(kUtcMidnight20240310 + 86400 + 13 * 3600 + 30 * 60));
-}
-
-TEST_F(BarFileTest, NewYorkFallBackReadsTheRepeatedHourTwice) {
-  ScopedTimeZone zone("America/New_York");
-  const QXDataSource source = Load(
-      "Date,Time,Open,High,Low,Close\n"
-      "2024-11-03,00:59,1,1,1,1\n"
-      "2024-11-03,01:00,1,1,1,1\n"  // EDT, 05:00Z
-      "2024-11-03,01:59,1,1,1,1\n"  // EDT, 05:59Z
-      "2024-11-03,01:00,1,1,1,1\n"  // EST, 06:00Z
-      "2024-11-03,01:59,1,1,1,1\n"  // EST, 06:59Z
-      "2024-11-03,02:00,1,1,1,1\n"  // EST, 07:00Z
-      "2024-11-03,09:30,1,1,1,1\n");
-  const int64_t expected[] = {4 * 3600 + 59 * 60, 5 * 3600, 5 * 3600 + 59 * 60, 6 * 3600,
-                              6 * 3600 + 59 * 60, 7 * 3600, 14 * 3600 + 30 * 60};
-  ASSERT_EQ(source.Bars.size(), 7u);
-  for (size_t i = 0; i < 7; ++i) {
-    EXPECT_EQ(source.Bars[i].Time, Millis(kUtcMidnight20241103 + expected[i])) << "bar " << i;
+// EDT to 01:00 EST. In 2018 Sao Paulo's clocks went from 00:00 (UTC-3) to 01:00 (UTC-2) on 4
+// November, whose 00:00 UTC is 17839 days after 1970-01-01 (48 * 365 + 12 leap days, then 304 +
+// 3): 1541289600.
+TEST_F(BarFileTest, LocalTimesTakeTheOffsetAtTheBarsTime) {
+  const struct {
+    const char* name;
+    const char* zone;
+    const char* rows;            // Date,Time or, for days, Date
+    uint32_t barType, interval;  // an interval of 0 is not checked
+    int64_t utcMidnight;
+    std::vector<int64_t> minutes;  // of each bar after utcMidnight, in UTC
+  } cases[] = {
+      // 02:30 does not exist: it is read on the old clock, 03:30 EDT.
+      {"New York springs forward",
+       "America/New_York",
+       "2024-03-10,01:59|2024-03-10,02:30|2024-03-10,03:31|2024-03-10,09:30|2024-03-11,09:30",
+       1,
+       0,
+       1710028800,
+       {6 * 60 + 59, 7 * 60 + 30, 7 * 60 + 31, 13 * 60 + 30, 1440 + 13 * 60 + 30}},
+      // The repeated hour is read twice: EDT (05:00Z to 05:59Z), then EST (06:00Z to 06:59Z).
+      {"New York falls back",
+       "America/New_York",
+       "2024-11-03,00:59|2024-11-03,01:00|2024-11-03,01:59|2024-11-03,01:00|2024-11-03,01:59|"
+       "2024-11-03,02:00|2024-11-03,09:30",
+       1,
+       1,
+       1730592000,
+       {4 * 60 + 59, 5 * 60, 5 * 60 + 59, 6 * 60, 6 * 60 + 59, 7 * 60, 14 * 60 + 30}},
+      // EST midnights are 05:00Z, the EDT midnight of the 11th is 04:00Z.
+      {"New York days",
+       "America/New_York",
+       "2024-03-09|2024-03-10|2024-03-11",
+       0,
+       1,
+       1710028800,
+       {-1440 + 5 * 60, 5 * 60, 1440 + 4 * 60}},
+      // The day that starts at 01:00 local stands at its first instant, 03:00 UTC.
+      {"Sao Paulo day without a midnight",
+       "America/Sao_Paulo",
+       "2018-11-03|2018-11-04|2018-11-05",
+       0,
+       1,
+       1541289600,
+       {-1440 + 3 * 60, 3 * 60, 1440 + 2 * 60}},
+  };
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.name);
+    ScopedTimeZone zone(row.zone);
+    const QXDataSource source = Load(BarsAt(row.barType == 0 ? "Date" : "Date,Time", row.rows));
+    std::vector<int64_t> minutes;
+    for (const QXBar& bar : source.Bars)
+      minutes.push_back((bar.Time / 1000 - row.utcMidnight) / 60);
+    EXPECT_EQ(minutes, row.minutes);
+    EXPECT_EQ(source.BarType, row.barType);
+    if (row.interval != 0) {
+      EXPECT_EQ(source.BarInterval, row.interval);
+    }
   }
-  EXPECT_EQ(source.BarType, 1u);
-  EXPECT_EQ(source.BarInterval, 1u);
-}
-
-TEST_F(BarFileTest, NewYorkThirdPassThroughTheRepeatedHourIsARepeat) {
-  ScopedTimeZone zone("America/New_York");
-  EXPECT_EQ(ErrorOf("Date,Time,Open,High,Low,Close\n"
-                    "2024-11-03,01:30,1,1,1,1\n"
-                    "2024-11-03,01:30,1,1,1,1\n"
-                    "2024-11-03,01:30,1,1,1,1\n"),
-            ":4: field Time: repeats the time of line 3 (value '01:30')");
-}
-
-TEST_F(BarFileTest, NewYorkDailyBarsStandAtEachLocalMidnight) {
-  ScopedTimeZone zone("America/New_York");
-  const QXDataSource source = Load(
-      "Date,Open,High,Low,Close\n"
-      "2024-03-09,1,1,1,1\n"
-      "2024-03-10,1,1,1,1\n"
-      "2024-03-11,1,1,1,1\n");
-  ASSERT_EQ(source.Bars.size(), 3u);
-  // EST midnights are 05:00Z, the EDT midnight of the 11th is 04:00Z.
-  EXPECT_EQ(source.Bars[0].Time, Millis(kUtcMidnight20240310 - 86400 + 5 * 3600));
-  EXPECT_EQ(source.Bars[1].Time, Millis(kUtcMidnight20240310 + 5 * 3600));
-  EXPECT_EQ(source.Bars[2].Time, Millis(kUtcMidnight20240310 + 86400 + 4 * 3600));
-  EXPECT_EQ(source.BarType, 0u);
-  EXPECT_EQ(source.BarInterval, 1u);
-}
-
-TEST_F(BarFileTest, SaoPauloDayThatStartsAtOneStaysOnItsDate) {
-  // In 2018 Sao Paulo's clocks went from 00:00 (UTC-3) to 01:00 (UTC-2) on 4 November, whose
-  // 00:00 UTC is 17839 days after 1970-01-01 (48 * 365 + 12 leap days, then 304 + 3): 1541289600.
-  // The day's bar stands at its first instant, 01:00 local, 03:00 UTC.
-  ScopedTimeZone zone("America/Sao_Paulo");
-  constexpr int64_t kUtcMidnight = 1541289600;
-  const QXDataSource source = Load(
-      "Date,Open,High,Low,Close\n"
-      "2018-11-03,1,1,1,1\n"
-      "2018-11-04,1,1,1,1\n"
-      "2018-11-05,1,1,1,1\n");
-  ASSERT_EQ(source.Bars.size(), 3u);
-  EXPECT_EQ(source.Bars[0].Time, Millis(kUtcMidnight - 86400 + 3 * 3600));
-  EXPECT_EQ(source.Bars[1].Time, Millis(kUtcMidnight + 3 * 3600));
-  EXPECT_EQ(source.Bars[2].Time, Millis(kUtcMidnight + 86400 + 2 * 3600));
+  ScopedTimeZone zone("America/New_York");  // a third pass through the repeated hour
+  EXPECT_EQ(
+      ErrorOf("Date,Time,Open,High,Low,Close\n"
+              "2024-11-03,01:30,1,1,1,1\n2024-11-03,01:30,1,1,1,1\n2024-11-03,01:30,1,1,1,1\n"),
+      ":4: field Time: repeats the time of line 3 (value '01:30')");
 }
 
 // ------------------------------------------------------------------------------------------------
 // Streaming
 
-TEST_F(BarFileTest, FilesLargerThanABlockLoadEveryRowAndReserveClosely) {
+TEST_F(BarFileTest, FilesLargerThanABlockLoadEveryRowAndCountTheirLines) {
   // 40000 one-minute bars from 2006-01-02 00:00, about 1.8 MB: the reader's 1 MiB block ends
   // inside a row. Bar i has close 1000 + i/4 and volume i.
   constexpr int kBars = 40000;
-  std::string text = "Date,Time,Open,High,Low,Close,Volume\n";
+  std::string text = "Date,Time,Open,High,Low,Close,Volume\r\n";
   char row[96];
   for (int i = 0; i < kBars; ++i) {
-    const int day = 2 + i / 1440;
     const int minute = i % 1440;
     const double close = 1000 + i * 0.25;
-    std::snprintf(row, sizeof row, "2006-01-%02d,%02d:%02d:00,%.2f,%.2f,%.2f,%.2f,%d\n", day,
-                  minute / 60, minute % 60, close, close + 1, close - 1, close, i);
+    std::snprintf(row, sizeof row, "2006-01-%02d,%02d:%02d:00,%.2f,%.2f,%.2f,%.2f,%d\r\n",
+                  2 + i / 1440, minute / 60, minute % 60, close, close + 1, close - 1, close, i);
     text += row;
   }
   const QXDataSource source = Load(text);
@@ -468,28 +362,15 @@ TEST_F(BarFileTest, FilesLargerThanABlockLoadEveryRowAndReserveClosely) {
   }
   EXPECT_EQ(source.Bars.back().Vol, kBars - 1);
   EXPECT_LE(source.Bars.capacity(), static_cast<size_t>(kBars) * 105 / 100);
-}
-
-TEST_F(BarFileTest, LineNumbersHoldAcrossBlocks) {
-  // 30000 rows of about 42 bytes fill more than one 1 MiB block; the bad row is line 30002
-  // (the header is line 1, the good rows lines 2 to 30001).
-  std::string text = "Date,Time,Open,High,Low,Close\r\n";
-  char row[64];
-  for (int i = 0; i < 30000; ++i) {
-    std::snprintf(row, sizeof row, "2006-01-%02d,%02d:%02d:00,3602,3603,3597,3599\r\n",
-                  2 + i / 1440, i % 1440 / 60, i % 60);
-    text += row;
-  }
-  text += "2006-01-30,00:00:00,3602,3603,3597,35x9\r\n";
-  EXPECT_EQ(ErrorOf(text), ":30002: field Close: not a number (value '35x9')");
+  // The header is line 1, the good rows lines 2 to 40001.
+  EXPECT_EQ(ErrorOf(text + "2006-01-30,00:00:00,3602,3603,3597,35x9,1\r\n"),
+            ":40002: field Close: not a number (value '35x9')");
 }
 
 TEST_F(BarFileTest, ALineLongerThanABlockIsRead) {
-  const std::string note(3 << 20, 'x');
-  const QXDataSource source = Load(
-      "Date,Time,Open,High,Low,Close,Note\n"
-      "2006-01-02,09:01:00,3602,3603,3597,3599," +
-      note + "\n2006-01-02,09:02:00,1,2,1,2,y\n");
+  const QXDataSource source =
+      Load("Date,Time,Open,High,Low,Close,Note\n2006-01-02,09:01:00,3602,3603,3597,3599," +
+           std::string(3 << 20, 'x') + "\n2006-01-02,09:02:00,1,2,1,2,y\n");
   ASSERT_EQ(source.Bars.size(), 2u);
   EXPECT_EQ(source.Bars[0].Close, 3599.0);
   EXPECT_EQ(source.Bars[1].Time, kShanghai0901 + 60000);
@@ -503,8 +384,6 @@ struct ErrorCase {
   const char* text;
   const char* message;  // after the file's path
 };
-
-constexpr const char* kHeader = "Date,Time,Open,High,Low,Close,Volume\n";
 
 TEST_F(BarFileTest, BadRowsNameTheLineAndTheField) {
   const ErrorCase cases[] = {
@@ -550,7 +429,8 @@ TEST_F(BarFileTest, BadRowsNameTheLineAndTheField) {
   };
   for (const ErrorCase& row : cases) {
     SCOPED_TRACE(row.name);
-    EXPECT_EQ(ErrorOf(std::string(kHeader) + row.text), row.message);
+    EXPECT_EQ(ErrorOf(std::string("Date,Time,Open,High,Low,Close,Volume\n") + row.text),
+              row.message);
   }
 }
 
@@ -585,9 +465,12 @@ TEST_F(BarFileTest, BadFilesAndLayoutsSayWhatIsWrong) {
     SCOPED_TRACE(row.name);
     EXPECT_EQ(ErrorOf(row.text), row.message);
   }
+  EXPECT_EQ(ErrorAt(folder_ / "missing.csv"),
+            ": cannot open the bar file: No such file or directory");
+  EXPECT_EQ(ErrorAt(folder_.path()), ": cannot read the bar file: it is a folder");
 }
 
-TEST_F(BarFileTest, WrongDelimiterIsNamedWithTheOneTheFileUses) {
+TEST_F(BarFileTest, ColumnMapsThatCannotFitTheFileAreRefused) {
   ColumnMap comma;
   comma.Delimiter = ',';
   EXPECT_EQ(ErrorOf("Date;Open;High;Low;Close\n2006-01-02;1;1;1;1\n", comma),
@@ -599,70 +482,43 @@ TEST_F(BarFileTest, WrongDelimiterIsNamedWithTheOneTheFileUses) {
             ":1: field Open: missing column: the row has 1 field split at ',', the field is "
             "column 2; the line is split at ',' but holds ';': set \"delimiter\" in the column "
             "map (value '2006-01-02;1;1;1;1')");
-}
-
-TEST_F(BarFileTest, MissingFileAndFolderAreNamed) {
-  QXDataSource source;
-  const std::filesystem::path missing = folder_ / "missing.csv";
-  try {
-    LoadBarFile(missing, {}, source);
-    ADD_FAILURE() << "a missing file loaded";
-  } catch (const InputError& error) {
-    EXPECT_EQ(std::string(error.what()),
-              missing.string() + ": cannot open the bar file: No such file or directory");
-  }
-  try {
-    LoadBarFile(folder_, {}, source);
-    ADD_FAILURE() << "a folder loaded";
-  } catch (const InputError& error) {
-    EXPECT_EQ(std::string(error.what()),
-              folder_.string() + ": cannot read the bar file: it is a folder");
-  }
+  const std::string daily = "Date,Open,High,Low,Close\n2006-01-02,1,1,1,1\n";
+  ColumnMap both;
+  both.Close = 4;
+  both.Volume = 4;
+  EXPECT_EQ(ErrorOf(daily, both), ": column map: Close and Volume are both column 4");
+  ColumnMap timeWithoutTime;
+  timeWithoutTime.TimeFormat = "%H:%M";
+  EXPECT_EQ(ErrorOf(daily, timeWithoutTime), ": column map: a time format but no time in the file");
+  ColumnMap badFormat;
+  badFormat.DateFormat = "%Y-%q";
+  EXPECT_EQ(ErrorOf(daily, badFormat),
+            ": column map: Date format '%Y-%q': unknown conversion '%q' in a date format (known: "
+            "%Y %y %m %b %d)");
 }
 
 TEST_F(BarFileTest, AFailedLoadLeavesTheSourceAsItWas) {
   QXDataSource source;
   source.Bars.resize(3);
-  source.BarType = 1;
   source.BarInterval = 5;
-  EXPECT_THROW(
-      LoadBarFile(Write(std::string(kHeader) + "2006-01-02,09:01:00,1,1,1,x,1\n"), {}, source),
-      InputError);
+  EXPECT_THROW(LoadBarFile(Write("Date,Time,Open,High,Low,Close\n2006-01-02,09:01:00,1,1,1,x\n"),
+                           {}, source),
+               InputError);
   EXPECT_EQ(source.Bars.size(), 3u);
   EXPECT_EQ(source.BarInterval, 5u);
-}
-
-TEST_F(BarFileTest, ContradictoryColumnMapsAreRefused) {
-  ColumnMap both;
-  both.Close = 4;
-  both.Volume = 4;
-  EXPECT_EQ(ErrorOf("Date,Open,High,Low,Close\n2006-01-02,1,1,1,1\n", both),
-            ": column map: Close and Volume are both column 4");
-  ColumnMap timeWithoutTime;
-  timeWithoutTime.TimeFormat = "%H:%M";
-  EXPECT_EQ(ErrorOf("Date,Open,High,Low,Close\n2006-01-02,1,1,1,1\n", timeWithoutTime),
-            ": column map: a time format but no time in the file");
-  ColumnMap badFormat;
-  badFormat.DateFormat = "%Y-%q";
-  EXPECT_EQ(ErrorOf("Date,Open,High,Low,Close\n2006-01-02,1,1,1,1\n", badFormat),
-            ": column map: Date format '%Y-%q': unknown conversion '%q' in a date format (known: "
-            "%Y %y %m %b %d)");
 }
 
 // ------------------------------------------------------------------------------------------------
 // The bar files shipped with the project
 
 TEST_F(BarFileTest, EverySampleFileLoads) {
-  struct Sample {
+  // Counts are the files' lines less the header; first and last closes read off the files.
+  const struct {
     const char* file;
     size_t bars;
-    uint32_t barType;
-    uint32_t interval;
-    double firstClose;
-    double lastClose;
-  };
-  // Counts are the files' lines less the header; first and last closes read off the files.
-  const Sample samples[] = {
+    uint32_t barType, interval;
+    double firstClose, lastClose;
+  } samples[] = {
       {"2006-day-001.txt", 255, 0, 1, 3604.33, 4119.94},
       {"2006-min-005.txt", 2142, 1, 5, 3582.99, 3677.52},
       {"2006-01-02-volume-min-001.txt", 30889, 1, 1, 3599.00, 3838.00},
@@ -670,7 +526,7 @@ TEST_F(BarFileTest, EverySampleFileLoads) {
   };
   const std::filesystem::path folder = QXRUN_SAMPLE_DATA;
   if (!std::filesystem::is_directory(folder)) GTEST_SKIP() << folder << " is not there";
-  for (const Sample& sample : samples) {
+  for (const auto& sample : samples) {
     SCOPED_TRACE(sample.file);
     QXDataSource source;
     LoadBarFile(folder / sample.file, {}, source);

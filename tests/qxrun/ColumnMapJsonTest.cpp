@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <tuple>
+#include <vector>
 
 namespace qxrun {
 namespace {
@@ -16,32 +18,18 @@ TEST(ColumnMapJsonTest, ReadsEveryKey) {
       "close": 4, "volume": 5, "open_interest": 6, "date_format": "%Y%m%d",
       "time_format": "%H%M%S"})"),
                                           kPath);
-  EXPECT_EQ(map.Delimiter, ';');
-  EXPECT_EQ(map.HasHeader, 0);
-  EXPECT_EQ(map.DateTime, 0);
-  EXPECT_EQ(map.Date, -1);
-  EXPECT_EQ(map.Open, 1);
-  EXPECT_EQ(map.High, 2);
-  EXPECT_EQ(map.Low, 3);
-  EXPECT_EQ(map.Close, 4);
-  EXPECT_EQ(map.Volume, 5);
-  EXPECT_EQ(map.OpenInt, 6);
-  EXPECT_EQ(map.DateFormat, "%Y%m%d");
-  EXPECT_EQ(map.TimeFormat, "%H%M%S");
+  EXPECT_EQ(std::tuple(map.Delimiter, map.HasHeader, map.DateFormat, map.TimeFormat),
+            std::tuple(';', 0, "%Y%m%d", "%H%M%S"));
+  EXPECT_EQ(std::vector<int>({map.DateTime, map.Date, map.Open, map.High, map.Low, map.Close,
+                              map.Volume, map.OpenInt}),
+            std::vector<int>({0, -1, 1, 2, 3, 4, 5, 6}));
 
   const ColumnMap tabs = ColumnMapFromJson(
       nlohmann::json::parse(R"({"delimiter": "tab", "header": true, "date": 2, "time": 3})"),
       kPath);
-  EXPECT_EQ(tabs.Delimiter, '\t');
-  EXPECT_EQ(tabs.HasHeader, 1);
-  EXPECT_EQ(tabs.Date, 2);
-  EXPECT_EQ(tabs.Time, 3);
-  EXPECT_EQ(tabs.Open, -1);  // left to the header
-
-  const ColumnMap empty = ColumnMapFromJson(nlohmann::json::object(), kPath);
-  EXPECT_EQ(empty.Delimiter, 0);
-  EXPECT_EQ(empty.HasHeader, -1);
-  EXPECT_EQ(empty.Close, -1);
+  // Open is left to the header.
+  EXPECT_EQ(std::tuple(tabs.Delimiter, tabs.HasHeader, tabs.Date, tabs.Time, tabs.Open),
+            std::tuple('\t', 1, 2, 3, -1));
 }
 
 TEST(ColumnMapJsonTest, MistakesNameTheirKeyPath) {

@@ -6,9 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qxrun_test {
@@ -20,155 +21,80 @@ const char* const kGood =
     "2006-01-03,10.5,12,10,11.5,100\n"
     "2006-01-04,11.5,12,11,11,100\n";
 
+// A run of ma_cross on a.csv with `Args` added, `Bars` in a.csv and `RunFile` in run.json
+// (passed with --config); no a.csv and no --data a.csv when `Bars` is empty.
 struct BadInput {
   const char* Name;
-  std::map<std::string, std::string> Files;  // written into the scratch folder
-  std::vector<std::string> Args;      // after "run --out out"; --formula ma_cross unless given
-  std::vector<std::string> Expected;  // texts the error line holds
+  const char* Args;      // separated by blanks
+  const char* Expected;  // texts the error line holds, separated by '|'
+  std::string Bars = kGood;
+  const char* RunFile = "";
+  std::pair<const char*, const char*> OtherFile = {"", ""};
 };
 
 void PrintTo(const BadInput& input, std::ostream* out) { *out << input.Name; }
 
+std::vector<std::string> Split(std::string_view text, char separator) {
+  std::vector<std::string> parts;
+  while (!text.empty()) {
+    const size_t end = text.find(separator);
+    parts.emplace_back(text.substr(0, end));
+    text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+  }
+  return parts;
+}
+
+// The bar-file faults each stand for a kind the loader's own tests pin to the byte.
 std::vector<BadInput> Cases() {
   const std::string head = "Date,Open,High,Low,Close,Volume\n";
   return {
-      {"MissingFile", {}, {"--data", "none.csv"}, {"none.csv", "cannot open"}},
-      {"EmptyFile", {{"a.csv", ""}}, {"--data", "a.csv"}, {"a.csv", "empty"}},
-      {"HeaderOnly", {{"a.csv", head}}, {"--data", "a.csv"}, {"a.csv:1", "no bars"}},
-      {"MalformedNumber",
-       {{"a.csv", head + "2006-01-02,10,11,9,10.5,100\n2006-01-03,10,1x,9,10,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:3", "High", "1x"}},
-      {"MissingColumn",
-       {{"a.csv", "Date,Open,High,Close\n2006-01-02,10,11,10.5\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:1", "Low"}},
-      {"UnparseableDate",
-       {{"a.csv", head + "2006-01-02,10,11,9,10.5,1\n2006-02-30,10,11,9,10.5,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:3", "Date", "2006-02-30"}},
-      {"UnparseableTime",
-       {{"a.csv", "Date,Time,Open,High,Low,Close\n2006-01-02,09:61,1,2,0.5,1.5\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:2", "Time", "09:61"}},
-      {"TimeGoingBackwards",
-       {{"a.csv", head + "2006-01-03,10,11,9,10.5,1\n2006-01-02,10,11,9,10.5,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:3", "Date", "earlier"}},
-      {"RepeatedTime",
-       {{"a.csv", head + "2006-01-02,10,11,9,10.5,1\n2006-01-02,10,11,9,10.5,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:3", "Date", "repeats"}},
-      {"LowAboveHigh",
-       {{"a.csv", head + "2006-01-02,10,11,12,10.5,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:2", "Low", "above High"}},
-      {"NegativePrice",
-       {{"a.csv", head + "2006-01-02,10,11,9,-10.5,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:2", "Close", "negative"}},
-      {"NotANumber",
-       {{"a.csv", head + "2006-01-02,NaN,11,9,10.5,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:2", "Open", "NaN"}},
-      {"Infinity",
-       {{"a.csv", head + "2006-01-02,10,inf,9,10.5,1\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:2", "High", "inf"}},
+      {"MissingFile", "--data none.csv", "none.csv|cannot open", ""},
+      {"NoDataFile", "", "--data|no bar file", ""},
+      {"MalformedNumber", "", "a.csv:3|High|1x",
+       head + "2006-01-02,10,11,9,10.5,100\n2006-01-03,10,1x,9,10,1\n"},
+      {"MissingColumn", "", "a.csv:1|Low", "Date,Open,High,Close\n2006-01-02,10,11,10.5\n"},
+      {"UnparseableDate", "", "a.csv:3|Date|2006-02-30",
+       head + "2006-01-02,10,11,9,10.5,1\n2006-02-30,10,11,9,10.5,1\n"},
       // A CRLF file loads; its carriage returns must not hide the line of a fault.
-      {"CrlfFileWithBadVolume",
-       {{"a.csv",
-         "Date,Open,High,Low,Close,Volume\r\n2006-01-02,10,11,9,10.5,1\r\n"
-         "2006-01-03,10,11,9,10.5,z\r\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:3", "Volume", "'z'"}},
+      {"CrlfFileWithBadVolume", "", "a.csv:3|Volume|'z'",
+       "Date,Open,High,Low,Close,Volume\r\n2006-01-02,10,11,9,10.5,1\r\n"
+       "2006-01-03,10,11,9,10.5,z\r\n"},
       // A byte-order mark is skipped; the header after it still names its columns.
-      {"Utf8BomWithMissingColumn",
-       {{"a.csv",
-         "\xEF\xBB\xBF"
-         "Date,Open,High,Low\n2006-01-02,10,11,9\n"}},
-       {"--data", "a.csv"},
-       {"a.csv:1", "Close"}},
-      {"WrongDelimiter",
-       {{"a.csv", head + "2006-01-02,10,11,9,10.5,1\n"},
-        {"run.json", R"({"symbols": [{"columns": {"delimiter": ";"}}]})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"a.csv:"}},
-      {"UnknownFormula",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--formula", "nope"},
-       {"--formula nope", "unknown formula"}},
-      {"MissingSharedObject",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--formula", "./x.so"},
-       {"./x.so", "no such file"}},
-      {"UnknownParameter",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--param", "speed=3"},
-       {"--param speed", "no parameter speed"}},
-      {"MalformedParameter",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--param", "fast=3x"},
-       {"--param fast", "\"3x\" is not a number"}},
-      {"ParameterWithoutValue",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--param", "fast"},
-       {"--param fast", "name=value"}},
-      {"ParameterOutOfRange",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--param", "slow=1"},
-       {"--param slow", "[2, 10000]", "not 1"}},
-      {"FractionalWholeParameter",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--param", "fast=2.5"},
-       {"--param fast", "whole numbers"}},
-      {"RunFileParameterOutOfRange",
-       {{"a.csv", kGood}, {"run.json", R"({"params": {"fast": 0}})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"/params/fast", "[1, 1000]"}},
-      {"MalformedJson",
-       {{"a.csv", kGood}, {"run.json", "{\n  \"strategy\": {\n    \"initial_capital\": 5,,\n}"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"run.json:3", "malformed JSON"}},
-      {"WrongJsonType",
-       {{"a.csv", kGood}, {"run.json", R"({"strategy": {"initial_capital": "lots"}})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"run.json", "/strategy/initial_capital", "must be a number"}},
-      {"UnknownJsonKey",
-       {{"a.csv", kGood}, {"run.json", R"({"symbols": [{"costs": {"comission": 5}}]})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"run.json", "/symbols/0/costs/comission", "unknown key"}},
-      {"UnknownColumnMapKey",
-       {{"a.csv", kGood}, {"run.json", R"({"symbols": [{"columns": {"clse": 4}}]})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"run.json", "/symbols/0/columns/clse"}},
-      {"BadCommissionKind",
-       {{"a.csv", kGood}, {"run.json", R"({"symbols": [{"costs": {"commission_kind": "pct"}}]})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"/symbols/0/costs/commission_kind", "money, ticks, turnover"}},
-      {"MalformedSessions",
-       {{"a.csv", kGood}, {"run.json", R"({"symbols": [{"sessions": "9:30-11:30"}]})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"/symbols/0/sessions", "9:30-11:30"}},
-      {"NegativeCapitalInRunFile",
-       {{"a.csv", kGood}, {"run.json", R"({"strategy": {"initial_capital": -1000}})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"/strategy/initial_capital", "must be positive"}},
-      {"NegativeCapitalFlag",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--capital=-1000"},
-       {"--capital", "must be positive"}},
-      {"SpreadWithOneFile",
-       {{"a.csv", kGood}},
-       {"--data", "a.csv", "--formula", "spread"},
-       {"--data", "spread needs 2 bar files"}},
+      {"Utf8BomWithMissingColumn", "", "a.csv:1|Close",
+       "\xEF\xBB\xBF"
+       "Date,Open,High,Low\n2006-01-02,10,11,9\n"},
+      {"WrongDelimiter", "", "a.csv:", kGood, R"({"symbols": [{"columns": {"delimiter": ";"}}]})"},
+      {"UnknownFormula", "--formula nope", "--formula nope|unknown formula"},
+      {"MissingSharedObject", "--formula ./x.so", "./x.so|no such file"},
+      {"UnknownParameter", "--param speed=3", "--param speed|no parameter speed"},
+      {"MalformedParameter", "--param fast=3x", "--param fast|\"3x\" is not a number"},
+      {"ParameterWithoutValue", "--param fast", "--param fast|name=value"},
+      {"ParameterOutOfRange", "--param slow=1", "--param slow|[2, 10000]|not 1"},
+      {"FractionalWholeParameter", "--param fast=2.5", "--param fast|whole numbers"},
+      {"RunFileParameterOutOfRange", "", "/params/fast|[1, 1000]", kGood,
+       R"({"params": {"fast": 0}})"},
+      {"MalformedJson", "", "run.json:3|malformed JSON", kGood,
+       "{\n  \"strategy\": {\n    \"initial_capital\": 5,,\n}"},
+      {"WrongJsonType", "", "run.json|/strategy/initial_capital|must be a number", kGood,
+       R"({"strategy": {"initial_capital": "lots"}})"},
+      {"UnknownJsonKey", "", "run.json|/symbols/0/costs/comission|unknown key", kGood,
+       R"({"symbols": [{"costs": {"comission": 5}}]})"},
+      {"UnknownColumnMapKey", "", "run.json|/symbols/0/columns/clse", kGood,
+       R"({"symbols": [{"columns": {"clse": 4}}]})"},
+      {"BadCommissionKind", "", "/symbols/0/costs/commission_kind|money, ticks, turnover", kGood,
+       R"({"symbols": [{"costs": {"commission_kind": "pct"}}]})"},
+      {"MalformedSessions", "", "/symbols/0/sessions|9:30-11:30", kGood,
+       R"({"symbols": [{"sessions": "9:30-11:30"}]})"},
+      {"NegativeCapitalInRunFile", "", "/strategy/initial_capital|must be positive", kGood,
+       R"({"strategy": {"initial_capital": -1000}})"},
+      {"NegativeCapitalFlag", "--capital=-1000", "--capital|must be positive"},
+      {"SpreadWithOneFile", "--formula spread", "--data|spread needs 2 bar files"},
       {"MalformedQuoteSnapshot",
-       {{"a.csv", kGood},
-        {"q.json", R"({"a": {"last": "high"}})"},
-        {"run.json", R"({"quotes": "q.json"})"}},
-       {"--data", "a.csv", "--config", "run.json"},
-       {"q.json", "/a/last", "must be a number"}},
-      {"NoDataFile", {}, {}, {"--data", "no bar file"}},
+       "",
+       "q.json|/a/last|must be a number",
+       kGood,
+       R"({"quotes": "q.json"})",
+       {"q.json", R"({"a": {"last": "high"}})"}},
   };
 }
 
@@ -177,9 +103,17 @@ class CommandErrorTest : public testing::TestWithParam<BadInput> {};
 TEST_P(CommandErrorTest, StopsWithOneLineNamingTheFaultAndWritesNothing) {
   const BadInput& input = GetParam();
   ScratchFolder folder;
-  for (const auto& [name, content] : input.Files) folder.Write(name, content);
   std::vector<std::string> args = {"run", "--out", "out"};
-  args.insert(args.end(), input.Args.begin(), input.Args.end());
+  if (!input.Bars.empty()) {
+    folder.Write("a.csv", input.Bars);
+    args.insert(args.end(), {"--data", "a.csv"});
+  }
+  if (*input.RunFile != '\0') {
+    folder.Write("run.json", input.RunFile);
+    args.insert(args.end(), {"--config", "run.json"});
+  }
+  if (*input.OtherFile.first != '\0') folder.Write(input.OtherFile.first, input.OtherFile.second);
+  for (std::string& arg : Split(input.Args, ' ')) args.push_back(arg);
   if (std::find(args.begin(), args.end(), "--formula") == args.end()) {
     args.insert(args.end(), {"--formula", "ma_cross"});
   }
@@ -189,7 +123,7 @@ TEST_P(CommandErrorTest, StopsWithOneLineNamingTheFaultAndWritesNothing) {
   ASSERT_FALSE(result.Err.empty());
   EXPECT_EQ(result.Err.find('\n'), result.Err.size() - 1) << "one line: " << result.Err;
   EXPECT_EQ(result.Err.find('\r'), std::string::npos) << result.Err;
-  for (const std::string& text : input.Expected) {
+  for (const std::string& text : Split(input.Expected, '|')) {
     EXPECT_NE(result.Err.find(text), std::string::npos)
         << "missing '" << text << "' in " << result.Err;
   }
@@ -202,32 +136,24 @@ INSTANTIATE_TEST_SUITE_P(BadInputs, CommandErrorTest, testing::ValuesIn(Cases())
                            return std::string(row.param.Name);
                          });
 
-// Output folders that cannot be used.
-TEST(OutputFolderErrorTest, ExistingFileWhereTheFolderShouldBeIsLeftAlone) {
-  ScratchFolder folder;
-  folder.Write("a.csv", kGood);
-  folder.Write("out", "mine");
-  const ProcessResult result =
-      RunQxrun(folder.Path(), {"run", "--data", "a.csv", "--formula", "ma_cross", "--out", "out"});
-  EXPECT_EQ(result.ExitCode, 2);
-  EXPECT_NE(result.Err.find("--out out: exists and is not a folder"), std::string::npos)
-      << result.Err;
-  EXPECT_EQ(ReadFile(folder.Path() / "out"), "mine");
-}
-
-TEST(OutputFolderErrorTest, UnwritableOrMissingParentIsRefused) {
-  ScratchFolder folder;
-  folder.Write("a.csv", kGood);
-  // Nobody, root included, makes files in a process's /proc folder.
-  ProcessResult result = RunQxrun(
-      folder.Path(), {"run", "--data", "a.csv", "--formula", "ma_cross", "--out", "/proc/1/out"});
-  EXPECT_EQ(result.ExitCode, 2);
-  EXPECT_NE(result.Err.find("--out /proc/1/out"), std::string::npos) << result.Err;
-  result = RunQxrun(folder.Path(),
-                    {"run", "--data", "a.csv", "--formula", "ma_cross", "--out", "no/such/out"});
-  EXPECT_EQ(result.ExitCode, 2);
-  EXPECT_NE(result.Err.find("does not exist"), std::string::npos) << result.Err;
-  EXPECT_FALSE(std::filesystem::exists(folder.Path() / "no"));
+// Output folders that cannot be used: a file in the folder's place is left alone, and nobody, root
+// included, makes files in a process's /proc folder.
+TEST(OutputFolderErrorTest, UnusableFoldersAreRefusedAndLeftAlone) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"out", "--out out: exists and is not a folder"},
+      {"/proc/1/out", "--out /proc/1/out"},
+      {"no/such/out", "does not exist"}};
+  for (const auto& [out, says] : rows) {
+    ScratchFolder folder;
+    folder.Write("a.csv", kGood);
+    folder.Write("out", "mine");
+    const ProcessResult result =
+        RunQxrun(folder.Path(), {"run", "--data", "a.csv", "--formula", "ma_cross", "--out", out});
+    EXPECT_EQ(result.ExitCode, 2) << out;
+    EXPECT_NE(result.Err.find(says), std::string::npos) << result.Err;
+    EXPECT_EQ(ReadFile(folder.Path() / "out"), "mine");
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "no")) << out;
+  }
 }
 
 TEST(UsageTest, UsageErrorsExitWithTwoAndHelpWithZero) {

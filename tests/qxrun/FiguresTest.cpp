@@ -1,10 +1,10 @@
 // The report's figures on a small run worked out by hand.
 #include "qxrun/report/Figures.h"
+#include "support/HostBuilder.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <ctime>
 #include <string>
 #include <vector>
@@ -28,29 +28,16 @@ void Build(SmallRun& run) {
   const double high[] = {10, 13, 12.5, 14, 13};
   const double low[] = {10, 9, 11, 11.5, 12};
   for (int bar = 0; bar < 5; ++bar) {
-    EquityPoint point;
-    point.Bar = bar;
-    point.Time = kStart + bar * kQuarterYear;
-    point.Equity = equity[bar];
-    point.LongLots = (bar == 1 || bar == 2) ? 1 : 0;
-    run.Account.EquityCurve.push_back(point);
-    QXBar bars;
-    bars.Time = point.Time;
-    bars.High = high[bar];
-    bars.Low = low[bar];
-    run.Sources[0].Bars.push_back(bars);
+    const int64_t time = kStart + bar * kQuarterYear;
+    run.Account.EquityCurve.push_back({.Bar = bar,
+                                       .Time = time,
+                                       .LongLots = (bar == 1 || bar == 2) ? 1.0 : 0.0,
+                                       .Equity = equity[bar]});
+    run.Sources[0].Bars.push_back({.Time = time, .High = high[bar], .Low = low[bar]});
   }
   const auto trade = [](uint32_t kind, int32_t entry, int32_t exit, double lots, double entryPrice,
                         double exitPrice, double net) {
-    TradeRecord record;
-    record.EntryKind = kind;
-    record.EntryBar = entry;
-    record.ExitBar = exit;
-    record.Lots = lots;
-    record.EntryPrice = entryPrice;
-    record.ExitPrice = exitPrice;
-    record.NetProfit = net;
-    return record;
+    return TradeRecord{kind, 0, entry, exit, 0, lots, entryPrice, exitPrice, 0, 0, 0, net};
   };
   run.Account.Trades = {trade(kBuy, 0, 2, 1, 10, 12, 20),           // a winner
                         trade(kSellShort, 2, 4, 2, 12, 12.5, -10),  // a loser
@@ -101,25 +88,19 @@ TEST(FiguresTest, EquityFiguresFollowTheirDefinitions) {
 // through daylight-saving changes and the day Kiritimati skipped (1994-12-31), for bars of every
 // spacing. Each bar's equity is its own, so a bar put in the wrong month moves a month's return.
 TEST(FiguresTest, MonthsAreTheRuntimesLocalMonths) {
-  const char* const saved = std::getenv("TZ");
-  const std::string savedZone = saved != nullptr ? saved : "";
   for (const char* zone : {"America/New_York", "Pacific/Kiritimati", "Pacific/Pago_Pago",
                            "Australia/Lord_Howe", "Asia/Shanghai"}) {
-    setenv("TZ", zone, 1);
-    tzset();
+    const sysfuncs::testing::ScopedTimeZone scoped(zone);
     for (const int64_t step : {int64_t{3600}, int64_t{86400}, int64_t{7 * 3600 + 13}}) {
       StrategyAccount account;
       std::vector<QXDataSource> sources(1);
       std::vector<int32_t> months;  // the runtime's month of each bar
-      for (int64_t seconds = 777600000; seconds < 820000000;
-           seconds += step) {  // 1994-08 to 1995-12
-        EquityPoint point;
-        point.Time = seconds * 1000;
-        point.Equity = 100.0 + static_cast<double>(account.EquityCurve.size());
-        account.EquityCurve.push_back(point);
-        QXBar bar;
-        bar.Time = point.Time;
-        sources[0].Bars.push_back(bar);
+      // 1994-08 to 1995-12.
+      for (int64_t seconds = 777600000; seconds < 820000000; seconds += step) {
+        account.EquityCurve.push_back(
+            {.Time = seconds * 1000,
+             .Equity = 100.0 + static_cast<double>(account.EquityCurve.size())});
+        sources[0].Bars.push_back({.Time = seconds * 1000});
         const std::time_t when = seconds;
         std::tm local{};
         localtime_r(&when, &local);
@@ -141,12 +122,6 @@ TEST(FiguresTest, MonthsAreTheRuntimesLocalMonths) {
       EXPECT_EQ(period, f.Months.size()) << zone << ", a bar every " << step << " s";
     }
   }
-  if (saved != nullptr) {
-    setenv("TZ", savedZone.c_str(), 1);
-  } else {
-    unsetenv("TZ");
-  }
-  tzset();
 }
 
 // A bar whose previous equity is not positive has no return: equity 100, 50, 0, -10, 20, 40
@@ -158,11 +133,8 @@ TEST(FiguresTest, ReturnsSkipBarsAfterAnEquityOfZeroOrLess) {
   SmallRun run;
   const double equity[] = {100, 50, 0, -10, 20, 40};
   for (int bar = 0; bar < 6; ++bar) {
-    EquityPoint point;
-    point.Bar = bar;
-    point.Time = kStart + bar * kQuarterYear;
-    point.Equity = equity[bar];
-    run.Account.EquityCurve.push_back(point);
+    run.Account.EquityCurve.push_back(
+        {.Bar = bar, .Time = kStart + bar * kQuarterYear, .Equity = equity[bar]});
   }
   const qxrun::RunFigures f = qxrun::ComputeFigures(run.Sources, {1.0}, run.Account, 100.0);
   ASSERT_NEAR(f.BarsPerYear, 4.0, 1e-9);
@@ -222,12 +194,7 @@ TEST(FiguresTest, StreaksCountRunsInExitOrder) {
   Build(run);
   const double nets[] = {5, 6, -1, -2, -3, 4, 0, 7, 8, 9};
   run.Account.Trades.clear();
-  for (double net : nets) {
-    TradeRecord record;
-    record.EntryKind = kBuy;
-    record.NetProfit = net;
-    run.Account.Trades.push_back(record);
-  }
+  for (double net : nets) run.Account.Trades.push_back({.EntryKind = kBuy, .NetProfit = net});
   const qxrun::RunFigures f = qxrun::ComputeFigures(run.Sources, {1.0}, run.Account, 100.0);
   EXPECT_EQ(f.All.MaxWinStreak, 3);   // 7, 8, 9 after the even trade broke 4
   EXPECT_EQ(f.All.MaxLossStreak, 3);  // -1, -2, -3

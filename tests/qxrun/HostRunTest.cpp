@@ -12,6 +12,7 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace qxrun_test {
@@ -138,19 +139,14 @@ TEST(HostRunTest, SettingsReachTheDataObject) {
   settings.Strategy.OutputMode = 1;
   qxrun::HostInstance instance(sources, settings, "x");
   const CQXBaseData& data = instance.Data();
-  EXPECT_EQ(data.DataCount, 1);
-  EXPECT_EQ(data.BarCount, 3);
   EXPECT_EQ(data.DataSources, &sources);  // the bars are not copied
-  EXPECT_EQ(data.SourceInfos[0].MarginRatio, 0.15);
-  EXPECT_EQ(data.CostSettings[0].CommissionRate, 7);
-  EXPECT_EQ(data.Ledgers.size(), 1u);
-  EXPECT_EQ(data.InitCapital, 123);
-  EXPECT_EQ(data.DefaultLotsMode, 1u);
-  EXPECT_EQ(data.DefaultLotsValue, 50);
-  EXPECT_EQ(data.MaxOpenEntries, 4);
-  EXPECT_EQ(data.MaxPositionLots, 9);
+  EXPECT_EQ(std::tuple(data.DataCount, data.BarCount, data.SourceInfos[0].MarginRatio,
+                       data.CostSettings[0].CommissionRate, data.Ledgers.size(), data.InitCapital),
+            std::tuple(1, 3, 0.15, 7.0, 1u, 123.0));
+  EXPECT_EQ(std::tuple(data.DefaultLotsMode, data.DefaultLotsValue, data.MaxOpenEntries,
+                       data.MaxPositionLots, data.OutputMode),
+            std::tuple(1u, 50, 4, 9, 1));
   EXPECT_TRUE(data.LifoExits && data.PercentMode);
-  EXPECT_EQ(data.OutputMode, 1);
   EXPECT_TRUE(data.Account && data.Symbols);
 }
 

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,18 +29,9 @@ struct Expected {
   double MaxDrawdown = 0.0;
 };
 
-std::vector<double> Closes(const std::string& csv) {
+std::vector<double> Closes(const std::string& csv) {  // Date,Open,High,Low,Close,...
   std::vector<double> closes;
-  std::istringstream lines(csv);
-  std::string line;
-  std::getline(lines, line);  // Date,Open,High,Low,Close,Volume,OpenInterest
-  while (std::getline(lines, line)) {
-    std::vector<std::string> fields;
-    std::istringstream row(line);
-    std::string field;
-    while (std::getline(row, field, ',')) fields.push_back(field);
-    closes.push_back(std::stod(fields[4]));
-  }
+  for (const auto& row : CsvRows(csv, false)) closes.push_back(std::stod(row[4]));
   return closes;
 }
 
@@ -97,20 +87,6 @@ Expected Crossover(const std::vector<double>& closes, size_t fast, size_t slow, 
   return expected;
 }
 
-std::vector<std::vector<std::string>> CsvRows(const std::string& text) {
-  std::vector<std::vector<std::string>> rows;
-  std::istringstream lines(text);
-  std::string line;
-  std::getline(lines, line);
-  while (std::getline(lines, line)) {
-    std::vector<std::string>& row = rows.emplace_back();
-    std::istringstream fields(line);
-    std::string field;
-    while (std::getline(fields, field, ',')) row.push_back(field);
-  }
-  return rows;
-}
-
 TEST(MaCrossEndToEndTest, TradesNetProfitAndDrawdownMatchAnIndependentComputation) {
   const std::string data = std::string(QXRUN_SOURCE_DIR) + "/examples/data/2006-day-001.txt";
   for (const auto& [fast, slow] : {std::pair<size_t, size_t>{5, 20}, {3, 10}}) {
@@ -126,7 +102,7 @@ TEST(MaCrossEndToEndTest, TradesNetProfitAndDrawdownMatchAnIndependentComputatio
     const Expected expected = Crossover(Closes(ReadFile(data)), fast, slow, 1000000.0);
     ASSERT_GT(expected.Trades.size(), 5u);
 
-    const auto trades = CsvRows(ReadFile(folder.Path() / "out/trades.csv"));
+    const auto trades = CsvRows(ReadFile(folder.Path() / "out/trades.csv"), false);
     ASSERT_EQ(trades.size(), expected.Trades.size());
     for (size_t i = 0; i < trades.size(); ++i) {
       SCOPED_TRACE("trade " + std::to_string(i));
@@ -148,7 +124,7 @@ TEST(MaCrossEndToEndTest, TradesNetProfitAndDrawdownMatchAnIndependentComputatio
     EXPECT_NEAR(summary["max_drawdown"].get<double>(), expected.MaxDrawdown, 1e-6);
 
     // One equity row per bar, ending at the final equity.
-    const auto equity = CsvRows(ReadFile(folder.Path() / "out/equity.csv"));
+    const auto equity = CsvRows(ReadFile(folder.Path() / "out/equity.csv"), false);
     ASSERT_EQ(equity.size(), Closes(ReadFile(data)).size());
     EXPECT_NEAR(std::stod(equity.back()[2]), 1000000.0 + expected.NetProfit, 1e-6);
   }

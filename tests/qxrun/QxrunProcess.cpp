@@ -49,10 +49,11 @@ std::vector<std::string> FilesIn(const std::filesystem::path& folder) {
   return names;
 }
 
-std::vector<std::vector<std::string>> CsvRows(const std::string& text) {
+std::vector<std::vector<std::string>> CsvRows(const std::string& text, bool header) {
   std::vector<std::vector<std::string>> rows;
   std::istringstream lines(text);
   std::string line;
+  if (!header) std::getline(lines, line);
   while (std::getline(lines, line)) {
     std::vector<std::string>& row = rows.emplace_back();
     std::istringstream cells(line);

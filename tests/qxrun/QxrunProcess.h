@@ -35,8 +35,9 @@ ProcessResult RunQxrun(const std::filesystem::path& folder, const std::vector<st
 
 std::string ReadFile(const std::filesystem::path& file);
 
-// The rows of a CSV text split at commas (no quoting), the header row included.
-std::vector<std::vector<std::string>> CsvRows(const std::string& text);
+// The rows of a CSV text split at commas (no quoting), the header row included unless `header`
+// is false.
+std::vector<std::vector<std::string>> CsvRows(const std::string& text, bool header = true);
 
 // Checks a run refused as bad input: exit code 2, one line on standard error that holds
 // `says`, and nothing in the folder `out`.

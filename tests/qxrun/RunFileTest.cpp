@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <tuple>
+
 namespace qxrun_test {
 namespace {
 
@@ -38,42 +41,29 @@ TEST(RunFileTest, EveryKeyReachesItsSetting) {
   EXPECT_EQ(symbol.File, folder.Path() / "cfg/bars/a.csv");  // from the run file's folder
   EXPECT_EQ(symbol.Columns.Delimiter, ';');
   const qxrun::SymbolTerms& terms = symbol.Terms;
-  EXPECT_EQ(terms.Market, 3u);
-  EXPECT_EQ(terms.Code, "rb888");
-  EXPECT_EQ(terms.Name, "rebar");
-  EXPECT_EQ(terms.MinMove, 2);
-  EXPECT_EQ(terms.PriceScale, 0.5);
-  EXPECT_EQ(terms.ContractUnit, 10);
-  EXPECT_EQ(terms.BigPointValue, 1.5);
-  EXPECT_EQ(terms.MarginKind, 5);
-  EXPECT_EQ(terms.MarginRatio, 0.08);
+  EXPECT_EQ(std::tuple(terms.Market, terms.Code, terms.Name, terms.Expiry, terms.Currency,
+                       terms.CurrencySymbol),
+            std::tuple(3u, "rb888", "rebar", "2024-05-15", "USD", "$"));
+  EXPECT_EQ(std::tuple(terms.MinMove, terms.PriceScale, terms.ContractUnit, terms.BigPointValue,
+                       terms.MarginKind, terms.MarginRatio, terms.MaxSingleTradeSize),
+            std::tuple(2, 0.5, 10, 1.5, 5, 0.08, 500));
   EXPECT_EQ(terms.Sessions, "21:00-23:00,09:00-10:15,");  // 12-character items
-  EXPECT_EQ(terms.Expiry, "2024-05-15");
-  EXPECT_EQ(terms.Currency, "USD");
-  EXPECT_EQ(terms.CurrencySymbol, "$");
   EXPECT_FALSE(terms.Tradable || terms.MarketOrders || terms.StopOrders || terms.ShortSelling);
-  EXPECT_EQ(terms.MaxSingleTradeSize, 500);
   const CostSetting& costs = symbol.Costs;
-  EXPECT_EQ(costs.MarginRate, 0.1);
-  EXPECT_EQ(costs.CommissionKind, 2u);
-  EXPECT_EQ(costs.CommissionRate, 0.5);
+  EXPECT_EQ(std::tuple(costs.MarginRate, costs.CommissionKind, costs.CommissionRate,
+                       costs.SlippageKind, costs.Slippage),
+            std::tuple(0.1, 2u, 0.5, 1u, 2.0));
   EXPECT_TRUE(costs.NoEntryCommission && costs.SameDayExitFree);
-  EXPECT_EQ(costs.SlippageKind, 1u);
-  EXPECT_EQ(costs.Slippage, 2.0);
   // The second symbol keeps every default.
   EXPECT_EQ(settings.Symbols[1].Terms.MinMove, 1);
   EXPECT_EQ(settings.Symbols[1].Costs.MarginRate, 1.0);
   EXPECT_TRUE(settings.Symbols[1].File.empty());
 
   const qxrun::StrategySettings& strategy = settings.Strategy;
-  EXPECT_EQ(strategy.InitCapital, 50000.0);
-  EXPECT_EQ(strategy.DefaultLotsMode, 2u);
-  EXPECT_EQ(strategy.DefaultLotsValue, 20000);
-  EXPECT_EQ(strategy.MaxOpenEntries, 3);
-  EXPECT_EQ(strategy.MaxPositionLots, 7);
-  EXPECT_TRUE(strategy.LifoExits);
-  EXPECT_TRUE(strategy.PercentMode);
-  EXPECT_EQ(strategy.OutputMode, 1);
+  EXPECT_EQ(std::tuple(strategy.InitCapital, strategy.DefaultLotsMode, strategy.DefaultLotsValue,
+                       strategy.MaxOpenEntries, strategy.MaxPositionLots, strategy.OutputMode),
+            std::tuple(50000.0, 2u, 20000, 3, 7, 1));
+  EXPECT_TRUE(strategy.LifoExits && strategy.PercentMode);
   EXPECT_EQ(settings.Params.at("fast"), 8.0);
   EXPECT_EQ(settings.Quotes, folder.Path() / "cfg/q.json");
   EXPECT_EQ(settings.UserDir, folder.Path() / "cfg/profiles");
@@ -81,8 +71,6 @@ TEST(RunFileTest, EveryKeyReachesItsSetting) {
 
 TEST(RunFileTest, DataFilesReplaceTheRunFilesAndNameTheSymbols) {
   qxrun::RunSettings settings = qxrun::DefaultRunSettings();
-  EXPECT_EQ(settings.Strategy.InitCapital, 1000000.0);
-  EXPECT_EQ(settings.Strategy.OutputMode, 2);
   EXPECT_THROW(qxrun::ApplyDataFiles(settings, {}), qxrun::InputError);
 
   qxrun::ApplyDataFiles(settings, {"data/IF888.csv", "x/rb.txt"});

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
 #include <sstream>
 #include <string>
@@ -72,24 +71,6 @@ TEST(TablesTest, EquityRowsRepeatAndChangeTheirValues) {
             "7,1970-01-01 08:07:00,101,98.5,-1,0,0,0,0\n");
 }
 
-// Sets TZ for the scope; the suite's zone is back afterwards.
-class ZoneForTheScope {
- public:
-  explicit ZoneForTheScope(const char* zone) {
-    const char* previous = std::getenv("TZ");
-    previous_ = previous != nullptr ? previous : "";
-    setenv("TZ", zone, 1);
-    tzset();
-  }
-  ~ZoneForTheScope() {
-    setenv("TZ", previous_.c_str(), 1);
-    tzset();
-  }
-
- private:
-  std::string previous_;
-};
-
 // The time column against the runtime's own conversion, row by row: minute rows through the
 // nights the clocks go forward and back, rows far apart and before 1970, in a zone with daylight
 // saving time and in one whose clock counts leap seconds.
@@ -107,7 +88,7 @@ TEST(TablesTest, EquityTimesAreTheLocalTimesOfTheirInstants) {
     account.EquityCurve.push_back(Point(static_cast<int32_t>(i), times[i] * 1000 + 999, 1, 1));
   }
   for (const char* zone : {"America/New_York", "right/Europe/London"}) {
-    const ZoneForTheScope scoped(zone);
+    const sysfuncs::testing::ScopedTimeZone scoped(zone);
     std::ostringstream out;
     WriteEquityCsv(out, account, 1.0);
     std::istringstream rows(out.str());

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <sstream>
 #include <tuple>
 #include <vector>
 
@@ -16,12 +17,16 @@ namespace {
 
 constexpr double kTolerance = 1e-6;
 
-// Bars with a volume of 100, so that none of them is a no-trade bar.
-std::vector<QXBar> Series(const std::vector<int64_t>& times,
-                          const std::vector<std::array<double, 4>>& ohlc) {
+// Bars with a volume of 100, so that none of them is a no-trade bar, from "O/H/L/C" items
+// separated by blanks.
+std::vector<QXBar> Series(const std::vector<int64_t>& times, const char* prices) {
   std::vector<QXBar> bars;
-  for (size_t i = 0; i < ohlc.size(); ++i) {
-    bars.push_back(MakeBar(times[i], ohlc[i][0], ohlc[i][1], ohlc[i][2], ohlc[i][3], 100.0));
+  std::istringstream items(prices);
+  double open, high, low, close;
+  char slash;
+  for (int64_t time : times) {
+    items >> open >> slash >> high >> slash >> low >> slash >> close;
+    bars.push_back(MakeBar(time, open, high, low, close, 100.0));
   }
   return bars;
 }
@@ -30,18 +35,6 @@ std::vector<int64_t> DailyAt15(const std::vector<int>& marchDays) {
   std::vector<int64_t> times;
   for (int day : marchDays) times.push_back(ShanghaiInstant(2024, 3, day, 15));
   return times;
-}
-
-Quill::ICodeProperty Contract(int32_t minMove, float priceScale, int32_t contractUnit,
-                              float bigPointValue, int32_t marginKind) {
-  Quill::ICodeProperty contract;
-  contract.Tradable = true;
-  contract.MinMove = minMove;
-  contract.PriceScale = priceScale;
-  contract.ContractUnit = contractUnit;
-  contract.BigPointValue = bigPointValue;
-  contract.MarginKind = marginKind;
-  return contract;
 }
 
 // A clock years after every bar below, so that no bar is "today".
@@ -125,21 +118,15 @@ class ScenarioBase : public ::testing::Test {
 class TwoSeriesScenario : public ScenarioBase {
  protected:
   void SetUp() override {
-    adapter_.properties["ag"] = Contract(1, 1.0f, 10, 1.0f, 4);
-    adapter_.properties["cu"] = Contract(1, 1.0f, 5, 1.0f, 5);
+    adapter_.properties["ag"] = TradableContract(1, 1.0f, 10, 1.0f, 4);
+    adapter_.properties["cu"] = TradableContract(1, 1.0f, 5, 1.0f, 5);
     const std::vector<int64_t> times = DailyAt15({4, 5, 6, 7, 8, 11});
-    host_.AddSource("ag", Series(times, {{100, 102, 98, 100},
-                                         {101, 106, 100, 105},
-                                         {105, 110, 104, 108},
-                                         {108, 109, 100, 102},
-                                         {102, 104, 96, 98},
-                                         {100, 100, 100, 100}}));
-    host_.AddSource("cu", Series(times, {{1000, 1010, 990, 1000},
-                                         {1000, 1005, 985, 990},
-                                         {990, 995, 970, 980},
-                                         {980, 1000, 975, 995},
-                                         {995, 1010, 990, 1005},
-                                         {1005, 1020, 1000, 1010}}));
+    host_.AddSource("ag", Series(times,
+                                 "100/102/98/100 101/106/100/105 105/110/104/108 108/109/100/102 "
+                                 "102/104/96/98 100/100/100/100"));
+    host_.AddSource("cu", Series(times,
+                                 "1000/1010/990/1000 1000/1005/985/990 990/995/970/980 "
+                                 "980/1000/975/995 995/1010/990/1005 1005/1020/1000/1010"));
     CQXBaseData& data = host_.data;
     data.InitCapital = 100000;
     data.MaxOpenEntries = 3;
@@ -240,19 +227,14 @@ TEST_F(TwoSeriesScenario, LastBarEvaluatedAgainLeavesTheStateOfOneEvaluation) {
 using LifoScenario = ScenarioBase;
 
 TEST_F(LifoScenario, PartialExitsSplitTheNewestEntriesAndProrateTheirCosts) {
-  adapter_.properties["rb"] = Contract(5, 0.1f, 10, 1.0f, 4);
+  adapter_.properties["rb"] = TradableContract(5, 0.1f, 10, 1.0f, 4);
   host_.AddSource("rb",
                   Series({ShanghaiInstant(2024, 3, 7, 14), ShanghaiInstant(2024, 3, 7, 21),
                           ShanghaiInstant(2024, 3, 8, 10), ShanghaiInstant(2024, 3, 8, 21, 30),
                           ShanghaiInstant(2024, 3, 11, 9, 30), ShanghaiInstant(2024, 3, 11, 14, 30),
                           ShanghaiInstant(2024, 3, 12, 10)},
-                         {{100, 101, 99, 100},
-                          {100, 104, 100, 103},
-                          {103, 108, 102, 107},
-                          {107, 107, 101, 102},
-                          {102, 103, 97, 98},
-                          {98, 100, 96, 99},
-                          {99, 106, 99, 105}}));
+                         "100/101/99/100 100/104/100/103 103/108/102/107 107/107/101/102 "
+                         "102/103/97/98 98/100/96/99 99/106/99/105"));
   CQXBaseData& data = host_.data;
   data.InitCapital = 50000;
   data.MaxOpenEntries = 5;
@@ -302,13 +284,10 @@ TEST_F(LifoScenario, PartialExitsSplitTheNewestEntriesAndProrateTheirCosts) {
 using PercentScenario = ScenarioBase;
 
 TEST_F(PercentScenario, StatisticsAndDrawdownAreBookedInPercent) {
-  adapter_.properties["IF"] = Contract(1, 1.0f, 1, 300.0f, 4);
-  host_.AddSource("IF", Series(DailyAt15({4, 5, 6, 7, 8, 11}), {{4000, 4010, 3990, 4000},
-                                                                {4000, 4005, 3950, 3960},
-                                                                {3960, 3980, 3940, 3950},
-                                                                {3950, 3990, 3945, 3980},
-                                                                {3980, 3985, 3900, 3920},
-                                                                {3920, 3940, 3910, 3930}}));
+  adapter_.properties["IF"] = TradableContract(1, 1.0f, 1, 300.0f, 4);
+  host_.AddSource("IF", Series(DailyAt15({4, 5, 6, 7, 8, 11}),
+                               "4000/4010/3990/4000 4000/4005/3950/3960 3960/3980/3940/3950 "
+                               "3950/3990/3945/3980 3980/3985/3900/3920 3920/3940/3910/3930"));
   CQXBaseData& data = host_.data;
   data.InitCapital = 1000000;
   data.MaxOpenEntries = 1;

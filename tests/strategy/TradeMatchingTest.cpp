@@ -132,18 +132,14 @@ TEST(TradeMatching, BookingWeighsByLotsAndKeepsRuns) {
     BookTrade(account, trade, false);
   }
   // 3 wins; 1 loss ends the winning run; 0.00005 is even and leaves the runs; 2 losses more.
-  EXPECT_EQ(ledger.NumWin, 3);
-  EXPECT_EQ(ledger.NumLos, 3);
-  EXPECT_EQ(ledger.NumEven, 1);
-  EXPECT_EQ(ledger.TotalBarsWin, 6);  // 2 bars x 3 lots
-  EXPECT_EQ(ledger.TotalBarsLos, 7);  // 1 x 1 + 3 x 2
-  EXPECT_EQ(ledger.MaxConsecWin, 3);
-  EXPECT_EQ(ledger.MaxConsecLos, 3);
-  EXPECT_EQ(ledger.WinRun, 0);
-  EXPECT_EQ(ledger.LargestLos, -7.0);
-  EXPECT_EQ(account.GrossProfitShort, 30.0);
-  EXPECT_EQ(account.GrossLossShort, -12.0);
-  EXPECT_EQ(account.GrossProfitLong, 0.0);
+  // Bars won 2 x 3 lots, lost 1 x 1 + 3 x 2.
+  EXPECT_EQ(std::vector<int32_t>({ledger.NumWin, ledger.NumLos, ledger.NumEven, ledger.TotalBarsWin,
+                                  ledger.TotalBarsLos, ledger.MaxConsecWin, ledger.MaxConsecLos,
+                                  ledger.WinRun}),
+            std::vector<int32_t>({3, 3, 1, 6, 7, 3, 3, 0}));
+  EXPECT_EQ(std::vector<double>({ledger.LargestLos, account.GrossProfitShort,
+                                 account.GrossLossShort, account.GrossProfitLong}),
+            std::vector<double>({-7, 30, -12, 0}));
 }
 
 TEST(TradeMatching, SameDayExitsAreFreeByTheMainSeriesBarTimes) {

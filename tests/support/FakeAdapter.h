@@ -14,6 +14,21 @@
 
 namespace sysfuncs::testing {
 
+// A tradable contract record: a tick of minMove x priceScale, contractUnit units a lot, each point
+// worth bigPointValue, and the margin kind.
+inline Quill::ICodeProperty TradableContract(int32_t minMove, float priceScale,
+                                             int32_t contractUnit, float bigPointValue,
+                                             int32_t marginKind) {
+  Quill::ICodeProperty contract;
+  contract.Tradable = true;
+  contract.MinMove = minMove;
+  contract.PriceScale = priceScale;
+  contract.ContractUnit = contractUnit;
+  contract.BigPointValue = bigPointValue;
+  contract.MarginKind = marginKind;
+  return contract;
+}
+
 class FakeAdapter : public CDataAdapter {
  public:
   // Known symbols by code; a symbol without a record is unknown.

@@ -68,22 +68,4 @@ void TestHost::At(int32_t dataIndex, int32_t bar) {
   data.BarCount = static_cast<int32_t>(sources[dataIndex].Bars.size());
 }
 
-ScopedTimeZone::ScopedTimeZone(const char* zone) {
-  if (const char* current = getenv("TZ")) {
-    previous_ = current;
-    hadPrevious_ = true;
-  }
-  setenv("TZ", zone, 1);
-  tzset();
-}
-
-ScopedTimeZone::~ScopedTimeZone() {
-  if (hadPrevious_) {
-    setenv("TZ", previous_.c_str(), 1);
-  } else {
-    unsetenv("TZ");
-  }
-  tzset();
-}
-
 }  // namespace sysfuncs::testing

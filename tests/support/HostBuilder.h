@@ -6,10 +6,15 @@
 #include "sysfuncs/sysfuncs.h"
 
 #include <cstdint>
+#include <cstdlib>
+#include <ctime>
 #include <string>
 #include <vector>
 
 namespace sysfuncs::testing {
+
+inline constexpr int32_t kNoInteger = 2147483647;  // the invalid answers
+inline constexpr double kNoNumber = 1.7976931348623157e308;
 
 // Instant of a wall-clock time in the tests' zone, Asia/Shanghai (UTC+8, no daylight saving
 // since 1991), computed without the library.
@@ -43,11 +48,24 @@ class TestHost {
   CQXBaseData data;
 };
 
-// Sets TZ for the scope and restores the previous zone.
+// Sets TZ for the scope and restores the previous zone. Defined here so that suites without the
+// builders can use it.
 class ScopedTimeZone {
  public:
-  explicit ScopedTimeZone(const char* zone);
-  ~ScopedTimeZone();
+  explicit ScopedTimeZone(const char* zone) {
+    if (const char* current = getenv("TZ")) previous_ = current;
+    hadPrevious_ = getenv("TZ") != nullptr;
+    setenv("TZ", zone, 1);
+    tzset();
+  }
+  ~ScopedTimeZone() {
+    if (hadPrevious_) {
+      setenv("TZ", previous_.c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+    tzset();
+  }
 
  private:
   std::string previous_;

@@ -2,20 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <functional>
+#include <bit>
+#include <string>
+#include <tuple>
+#include <vector>
 
 namespace sysfuncs::testing {
 namespace {
 
 // A double whose upper 32 bits hold `price` as a float and whose lower 32 bits hold `low`.
 double PackTick(float price, uint32_t low) {
-  uint32_t upper;
-  std::memcpy(&upper, &price, sizeof upper);
-  const uint64_t bits = (static_cast<uint64_t>(upper) << 32) | low;
-  double packed;
-  std::memcpy(&packed, &bits, sizeof packed);
-  return packed;
+  return std::bit_cast<double>((uint64_t{std::bit_cast<uint32_t>(price)} << 32) | low);
+}
+
+// Open, High, Low, Close, Vol and OpenInt.
+std::vector<double> Prices(CSystemFuncs& funcs) {
+  return {funcs.Open(), funcs.High(), funcs.Low(), funcs.Close(), funcs.Vol(), funcs.OpenInt()};
 }
 
 TEST(BarData, PricesAndAliasesReadTheCurrentBarOfTheCurrentSource) {
@@ -26,17 +28,9 @@ TEST(BarData, PricesAndAliasesReadTheCurrentBarOfTheCurrentSource) {
   CSystemFuncs funcs(&host.data);
 
   host.At(0, 1);
-  EXPECT_EQ(funcs.Open(), 3);
-  EXPECT_EQ(funcs.High(), 4);
-  EXPECT_EQ(funcs.Low(), 2.5);
-  EXPECT_EQ(funcs.Close(), 3.5);
-  EXPECT_EQ(funcs.Vol(), 30);
-  EXPECT_EQ(funcs.OpenInt(), 40);
-  EXPECT_EQ(funcs.O(), funcs.Open());
-  EXPECT_EQ(funcs.H(), funcs.High());
-  EXPECT_EQ(funcs.L(), funcs.Low());
-  EXPECT_EQ(funcs.C(), funcs.Close());
-  EXPECT_EQ(funcs.V(), funcs.Vol());
+  EXPECT_EQ(Prices(funcs), std::vector<double>({3, 4, 2.5, 3.5, 30, 40}));
+  EXPECT_EQ(std::vector<double>({funcs.O(), funcs.H(), funcs.L(), funcs.C(), funcs.V()}),
+            std::vector<double>({3, 4, 2.5, 3.5, 30}));
   EXPECT_EQ(funcs.Symbol(), "rb2405");
 
   host.At(1, 0);
@@ -52,15 +46,9 @@ TEST(BarData, PackedTickHighAndLowReadTheUpperFloatOnly) {
   host.AddSource("ticks", {bar}, /*barType=*/2, /*barInterval=*/0);
   CSystemFuncs funcs(&host.data);
   host.At(0, 0);
-  EXPECT_EQ(funcs.High(), 12.5);
-  EXPECT_EQ(funcs.H(), 12.5);
-  EXPECT_EQ(funcs.Low(), 12.25);
-  EXPECT_EQ(funcs.L(), 12.25);
   // Open, Close, Vol and OpenInt are never reinterpreted.
-  EXPECT_EQ(funcs.Open(), 11.0);
-  EXPECT_EQ(funcs.Close(), 11.75);
-  EXPECT_EQ(funcs.Vol(), 3);
-  EXPECT_EQ(funcs.OpenInt(), 4);
+  EXPECT_EQ(Prices(funcs), std::vector<double>({11.0, 12.5, 12.25, 11.75, 3, 4}));
+  EXPECT_EQ(std::vector<double>({funcs.H(), funcs.L()}), std::vector<double>({12.5, 12.25}));
 }
 
 TEST(BarData, OnlyBarTypeTwoWithIntervalZeroOfTheMainSeriesIsPacked) {
@@ -115,18 +103,13 @@ TEST(BarData, CalendarFieldsAreLocalTime) {
   host.AddSource("s", {MakeBar(1500000123456, 1, 1, 1, 1)});
   CSystemFuncs funcs(&host.data);
   host.At(0, 0);
-  EXPECT_EQ(funcs.Date(), 20170714);
-  EXPECT_EQ(funcs.D(), 20170714);
+  EXPECT_EQ(std::tuple(funcs.Date(), funcs.D(), funcs.Year(), funcs.Month(), funcs.Day()),
+            std::tuple(20170714, 20170714, 2017, 7, 14));
+  EXPECT_EQ(std::tuple(funcs.Hour(), funcs.Minute(), funcs.Second(), funcs.MilliSecond()),
+            std::tuple(10, 42, 3, 456));
+  EXPECT_EQ(funcs.Weekday(), 5);
   EXPECT_EQ(funcs.Time(), 42 / 10000.0 + 10 / 100.0 + 3 / 1000000.0);
   EXPECT_EQ(funcs.T(), funcs.Time());
-  EXPECT_EQ(funcs.Year(), 2017);
-  EXPECT_EQ(funcs.Month(), 7);
-  EXPECT_EQ(funcs.Day(), 14);
-  EXPECT_EQ(funcs.Hour(), 10);
-  EXPECT_EQ(funcs.Minute(), 42);
-  EXPECT_EQ(funcs.Second(), 3);
-  EXPECT_EQ(funcs.MilliSecond(), 456);
-  EXPECT_EQ(funcs.Weekday(), 5);
 }
 
 TEST(BarData, CalendarAcrossMidnightAndBefore1970) {

@@ -22,8 +22,11 @@ class Module : public ::testing::Test {
   void TearDown() override { ResetEnvironmentForTesting(); }
 };
 
-TEST_F(Module, InitStoresAdapterDirectoriesAndUser) {
-  CDataAdapter adapter;
+TEST_F(Module, EachInitStoresAdapterDirectoriesAndUser) {
+  TestHost host;
+  host.AddSource("s", EvenBars(0, 60000, 1));
+  EXPECT_EQ(CSystemFuncs(&host.data).GetUserID(), "") << "before the first Init";
+  CDataAdapter adapter, second;
   int ignored = 0;
   EXPECT_EQ(SysFuncs_Init(&ignored, &adapter, "D:\\Base", "u01"), 1);
   CSFEnvPtr env = GetSFEnv();
@@ -32,43 +35,23 @@ TEST_F(Module, InitStoresAdapterDirectoriesAndUser) {
   EXPECT_EQ(env->GetUserDir(), "D:\\Base\\user\\u01");
   EXPECT_EQ(env->GetUserID(), "u01");
   EXPECT_EQ(env->m_nReserved, 1);
-
-  TestHost host;
-  host.AddSource("s", EvenBars(0, 60000, 1));
-  CSystemFuncs funcs(&host.data);
-  EXPECT_EQ(funcs.GetUserID(), "u01");
+  EXPECT_EQ(CSystemFuncs(&host.data).GetUserID(), "u01");
+  // A second Init leaves its own values; the user folder is cut at 259 characters: 250 + "\user\"
+  // (6) + "user01" (6) = 262.
+  const std::string base(250, 'b');
+  SysFuncs_Init(nullptr, &second, base.c_str(), "user01");
+  env = GetSFEnv();
+  EXPECT_EQ(env->m_pDataAdapter, &second);
+  EXPECT_EQ(env->GetUserDir(), base + "\\user\\use");
+  EXPECT_EQ(env->GetUserID(), "user01");
   SysFuncs_Exit();
 }
 
-TEST_F(Module, BeforeInitTheUserIsEmptyAndExitDoesNothing) {
-  TestHost host;
-  host.AddSource("s", EvenBars(0, 60000, 1));
-  CSystemFuncs funcs(&host.data);
-  EXPECT_EQ(funcs.GetUserID(), "");
+TEST_F(Module, ExitBeforeInitDoesNothing) {
   SysFuncs_Exit();
   CSFEnvPtr env = GetSFEnv();
   EXPECT_FALSE(env->m_timer);
   EXPECT_EQ(env->m_pDataAdapter, nullptr);
-}
-
-TEST_F(Module, SecondInitLeavesTheSecondValues) {
-  CDataAdapter first, second;
-  SysFuncs_Init(nullptr, &first, "/a", "one");
-  SysFuncs_Init(nullptr, &second, "/b", "two");
-  CSFEnvPtr env = GetSFEnv();
-  EXPECT_EQ(env->m_pDataAdapter, &second);
-  EXPECT_EQ(env->GetUserDir(), "/b\\user\\two");
-  EXPECT_EQ(env->GetUserID(), "two");
-  SysFuncs_Exit();
-}
-
-TEST_F(Module, UserDirectoryIsCutAt259Characters) {
-  const std::string base(250, 'b');
-  SysFuncs_Init(nullptr, nullptr, base.c_str(), "user01");
-  // 250 + "\user\" (6) + "user01" (6) = 262 characters, cut to 259.
-  EXPECT_EQ(GetSFEnv()->GetUserDir(), base + "\\user\\use");
-  EXPECT_EQ(GetSFEnv()->GetUserID(), "user01");
-  SysFuncs_Exit();
 }
 
 TEST_F(Module, InitSchedulesTheLoggerAndExitStopsTheTimer) {

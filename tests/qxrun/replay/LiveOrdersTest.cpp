@@ -6,28 +6,14 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
 namespace qxrun {
 namespace {
 
+using qxrun_test::CsvRows;
 using qxrun_test::ReadFile;
-
-std::vector<std::vector<std::string>> CsvRows(const std::string& text) {
-  std::vector<std::vector<std::string>> rows;
-  std::istringstream lines(text);
-  std::string line;
-  std::getline(lines, line);  // the header
-  while (std::getline(lines, line)) {
-    std::vector<std::string>& row = rows.emplace_back();
-    std::istringstream fields(line);
-    std::string field;
-    while (std::getline(fields, field, ',')) row.push_back(field);
-  }
-  return rows;
-}
 
 TEST(LiveOrdersTest, AccountsAreSeparateAndOrdersAreCancelledAndFilled) {
   qxrun_test::ScratchFolder folder;
@@ -46,8 +32,8 @@ TEST(LiveOrdersTest, AccountsAreSeparateAndOrdersAreCancelledAndFilled) {
   const qxrun_test::ProcessResult second = replay("bob", "1500000", "b");
   ASSERT_EQ(second.ExitCode, 0) << second.Err;
   for (const char* out : {"a", "b"}) {
-    const auto orders = CsvRows(ReadFile(folder.Path() / out / "broker-orders.csv"));
-    const auto fills = CsvRows(ReadFile(folder.Path() / out / "fills.csv"));
+    const auto orders = CsvRows(ReadFile(folder.Path() / out / "broker-orders.csv"), false);
+    const auto fills = CsvRows(ReadFile(folder.Path() / out / "fills.csv"), false);
     ASSERT_GE(orders.size(), 10U) << out;
     int cancelled = 0;
     int filledLots = 0;
