@@ -19,8 +19,9 @@ ModuleSession::~ModuleSession() {
   SysFuncs_Exit();
   // The stopped writer hands its last lines over when its task is released, which a new start
   // of the module does; the new writer is stopped at once and holds nothing. Only then may the
-  // message centre go.
-  SysFuncs_Init(nullptr, &adapter_, baseDir_.c_str(), userId_.c_str());
+  // message centre go. The module is left with no adapter: the session's adapter may go too, and
+  // a formula run after the session must not reach it.
+  SysFuncs_Init(nullptr, nullptr, baseDir_.c_str(), userId_.c_str());
   SysFuncs_Exit();
   SysFuncs_SetPlatform(SysFuncs_DefaultPlatform());
 }
