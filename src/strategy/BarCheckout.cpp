@@ -172,10 +172,10 @@ void SFImpl::RepositionRollovers() {
   const double basis = data.PercentMode ? percentEquity : equity;
   if (data.OutputMode == 1 || data.OutputMode == 2) {
     // A report run follows the detail figures too, which read the point a bar checked out again
-    // replaces.
+    // replaces. They read the point on the curve: the local one stays out of memory.
     const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
     sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, &account.Detail);
-    sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
+    sysfuncs::UpdateReportDetail(account.Detail, account.EquityCurve.back(), basis, replaced);
   } else {
     sysfuncs::PutEquityPoint(account, point);
     sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, nullptr);
