@@ -90,11 +90,12 @@ void SFImpl::BarCheckout() {
     data.ResetPending = 0;
     ResetStrategy();
   }
-  // Rollovers and check points are rare: a series without them costs one test each.
-  if (!m_spSymbolCache->Rollovers.empty()) RepositionRollovers();
+  // Rollovers and check points are rare: a series without them costs one test each. The cache
+  // and the account are never null (the constructor makes them): they are read unchecked.
+  if (!m_spSymbolCache.get()->Rollovers.empty()) RepositionRollovers();
   RecordBar();
   if (bar == barCount - 2) sysfuncs::SaveLastBarStart(*m_spStrategyAccount, data.Ledgers);
-  if (!m_spStrategyAccount->CheckPoints.empty()) FollowCheckPoint();
+  if (!m_spStrategyAccount.get()->CheckPoints.empty()) FollowCheckPoint();
 }
 
 void SFImpl::RepositionRollovers() {
@@ -127,7 +128,7 @@ void SFImpl::RepositionRollovers() {
 // Flattened: the valuation and the curve updates are inlined into the one loop over the series.
 [[gnu::flatten]] void SFImpl::RecordBar() {
   CQXBaseData& data = *m_pData;
-  StrategyAccount& account = *m_spStrategyAccount;
+  StrategyAccount& account = *m_spStrategyAccount.get();
   const int32_t bar = data.CurrentBar;
   // The main series' bar stamps the point; it is looked up once.
   const int32_t count = data.DataCount;
@@ -172,10 +173,10 @@ void SFImpl::RepositionRollovers() {
   const double basis = data.PercentMode ? percentEquity : equity;
   if (data.OutputMode == 1 || data.OutputMode == 2) {
     // A report run follows the detail figures too, which read the point a bar checked out again
-    // replaces.
+    // replaces. They read the point on the curve: the local one stays out of memory.
     const std::optional<EquityPoint> replaced = sysfuncs::PutEquityPoint(account, point);
     sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, &account.Detail);
-    sysfuncs::UpdateReportDetail(account.Detail, point, basis, replaced);
+    sysfuncs::UpdateReportDetail(account.Detail, account.EquityCurve.back(), basis, replaced);
   } else {
     sysfuncs::PutEquityPoint(account, point);
     sysfuncs::UpdateDrawDown(account.Stats, basis, point.Time, data.PercentMode, nullptr);

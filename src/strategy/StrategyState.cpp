@@ -17,10 +17,10 @@ void ResetAccount(StrategyAccount& account, double initCapital, bool percentMode
   account.Stats.Peak = peak;
   account.Stats.Trough = peak;
   account.Trades.clear();
-  // The bar-order entries are kept aside for the new run to fill.
+  // The bar-order entries are kept aside for the new run to fill. With none aside already, the
+  // two lists trade places: no entry is touched, and the new run takes them in the order of the
+  // bars they had (the order they were made in).
   std::map<int32_t, std::vector<OrderRecord>>& spare = account.SpareBarOrders;
-  // Usually every entry is spare by now: the whole tree is handed over at once, instead of node
-  // by node (each move rebalances both trees).
   if (spare.empty()) spare.swap(account.BarOrders);
   while (!account.BarOrders.empty()) {
     auto entry = account.BarOrders.extract(account.BarOrders.begin());
