@@ -171,7 +171,6 @@ void WholeSweep(const SweepOptions& options, SweepPlan& plan, const PointRunner&
 }  // namespace
 
 int SweepCommand(const SweepOptions& given, std::ostream& out, std::ostream& err) {
-  (void)err;
   const std::unique_ptr<Cluster> cluster = Cluster::Join();
   const bool lead = cluster == nullptr || cluster->Rank() == 0;
   SweepOptions options = given;
@@ -189,11 +188,17 @@ int SweepCommand(const SweepOptions& given, std::ostream& out, std::ostream& err
     error = caught;
   }
   if (cluster != nullptr && !cluster->AllAgree(!error)) {
-    // Every rank stops; the first one says why.
-    if (!lead) return 2;
-    if (error) throw *error;
-    throw InputError(
-        "mpirun: another rank could not read its input (run it alone there to see why)");
+    // Every rank stops; the first one says why, while the others wait: mpirun ends the whole job
+    // as soon as one rank has stopped, which could cut the first rank off before it spoke.
+    if (lead) {
+      err << "qxrun: "
+          << (error ? error->what()
+                    : "mpirun: another rank could not read its input (run it alone there to see "
+                      "why)")
+          << std::endl;
+    }
+    cluster->AllAgree(true);
+    return 2;
   }
   if (plan->Inputs.Folder) plan->Inputs.Folder->Make();
   const int jobs = plan->Jobs;
