@@ -129,15 +129,22 @@ double PaperBroker::Equity(const std::string& account) const {
   return equity;
 }
 
-double PaperBroker::MarginInUse(const std::string& account) const {
+double PaperBroker::MarginInUse(const std::string& account, bool atAverages) const {
   double margin = 0.0;
   for (const auto& [key, position] : positions_) {
     if (key.first != account) continue;
     const BrokerSymbol* symbol = SymbolOf(position.Market, position.Code);
-    const auto quote = quotes_.find(key.second);
-    if (symbol == nullptr || quote == quotes_.end()) continue;
-    margin += static_cast<double>(position.Long + position.Short) * quote->second.Last *
-              symbol->LotValue * symbol->Costs.MarginRate;
+    if (symbol == nullptr) continue;
+    double value = 0.0;  // the lots times their price
+    if (atAverages) {
+      value = position.LongAverage * static_cast<double>(position.Long) +
+              position.ShortAverage * static_cast<double>(position.Short);
+    } else {
+      const auto quote = quotes_.find(key.second);
+      if (quote == quotes_.end()) continue;
+      value = static_cast<double>(position.Long + position.Short) * quote->second.Last;
+    }
+    margin += value * symbol->LotValue * symbol->Costs.MarginRate;
   }
   return margin;
 }
@@ -200,16 +207,7 @@ void PaperBroker::Transfer(const std::string& name, double deposit, double withd
 double PaperBroker::FreeMoney(const std::string& account) const {
   const auto found = accounts_.find(account);
   if (found == accounts_.end()) return 0.0;
-  double margin = 0.0;
-  for (const auto& [key, position] : positions_) {
-    if (key.first != account) continue;
-    const BrokerSymbol* symbol = SymbolOf(position.Market, position.Code);
-    if (symbol == nullptr) continue;
-    margin += (position.LongAverage * static_cast<double>(position.Long) +
-               position.ShortAverage * static_cast<double>(position.Short)) *
-              symbol->LotValue * symbol->Costs.MarginRate;
-  }
-  return found->second.Balance - margin - Frozen(account);
+  return found->second.Balance - MarginInUse(account, true) - Frozen(account);
 }
 
 int64_t PaperBroker::Submit(const Quill::ITradeOrder& platform, const std::string& session,

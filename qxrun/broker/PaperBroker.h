@@ -127,7 +127,9 @@ class PaperBroker {
   };
   const BrokerSymbol* SymbolOf(uint32_t market, const std::string& code) const;
   double Equity(const std::string& account) const;
-  double MarginInUse(const std::string& account) const;
+  // The margin of the account's open positions at the last prices (a position without a quote
+  // holds none), or at their average prices.
+  double MarginInUse(const std::string& account, bool atAverages = false) const;
   double Frozen(const std::string& account) const;
   double Commission(const BrokerSymbol& symbol, int64_t lots, double price) const;
   // Hands the change to the journal, then takes it on.

@@ -130,11 +130,10 @@ void OpenOrTransfer(PaperBroker& broker, const ReplayOptions& options, double in
   if (!opens && broker.HasSession(session)) return;
   const double free = opens ? deposit : broker.FreeMoney(options.Account) + deposit;
   if (withdrawal > free) {
-    char text[160];
-    std::snprintf(text, sizeof(text),
-                  "--withdraw: %.2f is more than the %.2f account '%s' has free", withdrawal, free,
-                  options.Account.c_str());
-    throw InputError(text);
+    char amounts[700];  // room for two of the largest doubles in full
+    std::snprintf(amounts, sizeof(amounts), "%.2f is more than the %.2f", withdrawal, free);
+    throw InputError("--withdraw: " + std::string(amounts) + " account '" + options.Account +
+                     "' has free");
   }
   if (opens) {
     broker.OpenAccount(options.Account, deposit);
