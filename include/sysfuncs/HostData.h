@@ -159,6 +159,19 @@ struct StrategyLedger {
   // Copies taken when the last-but-one bar is checked out: the state the last bar starts from.
   LedgerStatistics SavedStats;
   std::vector<EntryLot> SavedOpenEntries;
+
+  // 1 when the oldest open entry is a Buy, -1 when it is a SellShort, else 0; 0 when flat.
+  int32_t Position() const {
+    if (OpenEntries.empty()) return 0;
+    switch (OpenEntries.front().Kind & 0xFF) {
+      case kBuy:
+        return 1;
+      case kSellShort:
+        return -1;
+      default:
+        return 0;
+    }
+  }
 };
 
 // Margin, commission and slippage settings of one data series.

@@ -46,18 +46,19 @@ class SYSFUNCS_API CSystemFuncs : public CSysFuncBase {
   void BarCheckout() override;
 
   // --- Bar data: the current bar of the current data source, read without any bounds check;
-  // HistoryDataExist tells whether that bar exists.
-  double Open();
-  double O();
+  // HistoryDataExist tells whether that bar exists. The plain fields are read inline, in the
+  // host's own code: a formula reads them on every bar.
+  double Open() { return HostBar().Open; }
+  double O() { return Open(); }
   double High();  // on a packed tick series: the float in the field's upper 32 bits
   double H();
   double Low();  // on a packed tick series: the float in the field's upper 32 bits
   double L();
-  double Close();
-  double C();
-  double Vol();
-  double V();
-  double OpenInt();
+  double Close() { return HostBar().Close; }
+  double C() { return Close(); }
+  double Vol() { return HostBar().Vol; }
+  double V() { return Vol(); }
+  double OpenInt() { return HostBar().OpenInt; }
   int32_t Date();  // YYYYMMDD, local time
   int32_t D();
   double Time();  // 0.HHMMSS, local time
@@ -122,7 +123,7 @@ class SYSFUNCS_API CSystemFuncs : public CSysFuncBase {
   bool BuyToCover(double lots, double price);
 
   // --- Position and trade statistics of the current data series.
-  int32_t MarketPosition();
+  int32_t MarketPosition() { return m_pData->Ledgers[m_pData->CurrentData].Position(); }
   double CurrentContracts();
   int32_t CurrentEntries();
   int32_t EntryDate();
@@ -320,6 +321,10 @@ class SYSFUNCS_API CSystemFuncs : public CSysFuncBase {
                                       const std::string& key);
 
  protected:
+  const QXBar& HostBar() const {
+    return (*m_pData->DataSources)[m_pData->CurrentData].Bars[m_pData->CurrentBar];
+  }
+
   CQXBaseData* m_pData = nullptr;  // not owned; the same pointer as m_pBaseData
   SFImpl* m_pImpl = nullptr;       // owned
 };

@@ -74,7 +74,8 @@ void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>
 
 }  // namespace sysfuncs
 
-void SFImpl::BarCheckout() {
+// Flattened: the recording of the bar is inlined; the rare steps are kept out of line.
+[[gnu::flatten]] void SFImpl::BarCheckout() {
   CQXBaseData& data = *m_pData;
   const int32_t bar = data.CurrentBar;
   const int32_t barCount = data.BarCount;
@@ -98,7 +99,7 @@ void SFImpl::BarCheckout() {
   if (!m_spStrategyAccount.get()->CheckPoints.empty()) FollowCheckPoint();
 }
 
-void SFImpl::RepositionRollovers() {
+[[gnu::noinline]] void SFImpl::RepositionRollovers() {
   const std::vector<std::vector<RolloverPoint>>& lists = m_spSymbolCache->Rollovers;
   const int32_t count = std::min(static_cast<int32_t>(lists.size()), m_pData->DataCount);
   // The addressing is saved once a position moves, and put back at the end.
@@ -132,7 +133,7 @@ void SFImpl::RepositionRollovers() {
   const int32_t bar = data.CurrentBar;
   // The main series' bar stamps the point; it is looked up once.
   const int32_t count = data.DataCount;
-  const QXBar* mainBar = count > 0 ? &SeriesBar(0) : nullptr;
+  const QXBar* mainBar = count > 0 ? &MainSeriesBar() : nullptr;
   const bool singlePriceBars = SinglePriceBars();
   sysfuncs::PositionValue total;
   double barCost = 0.0;
@@ -184,10 +185,11 @@ void SFImpl::RepositionRollovers() {
 
   // Ledgers past DataCount keep no orders of the bar unless a host addressed them. (The loop
   // above reads a ledger for every series: there are at least DataCount.)
-  const StrategyLedger* const ledgerEnd = data.Ledgers.data() + data.Ledgers.size();
-  for (const StrategyLedger* ledger = data.Ledgers.data() + std::max(count, 0);
-       !anyOrder && ledger < ledgerEnd; ++ledger) {
-    anyOrder = sysfuncs::HasOrdersOnBar(*ledger, bar);
+  const size_t seriesLedgers = static_cast<size_t>(std::max(count, 0));
+  if (!anyOrder && data.Ledgers.size() > seriesLedgers) [[unlikely]] {
+    anyOrder = std::any_of(
+        data.Ledgers.begin() + static_cast<ptrdiff_t>(seriesLedgers), data.Ledgers.end(),
+        [bar](const StrategyLedger& ledger) { return sysfuncs::HasOrdersOnBar(ledger, bar); });
   }
   if (anyOrder) {
     sysfuncs::RecordBarOrders(account, data.Ledgers, bar);
@@ -196,7 +198,7 @@ void SFImpl::RepositionRollovers() {
   }
 }
 
-void SFImpl::FollowCheckPoint() {
+[[gnu::noinline]] void SFImpl::FollowCheckPoint() {
   const int32_t bar = m_pData->CurrentBar;
   const CheckPointRecord* decision =
       sysfuncs::FollowThroughDecision(m_spStrategyAccount->CheckPoints, bar);

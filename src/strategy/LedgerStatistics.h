@@ -34,17 +34,7 @@ inline bool IsLongKind(uint32_t kind) { return KindByte(kind) == kBuy; }
 // --- Position.
 
 // 1 when the first open entry is a Buy, -1 when it is a SellShort, else 0; 0 when flat.
-inline int32_t MarketPosition(const StrategyLedger& ledger) {
-  if (ledger.OpenEntries.empty()) return 0;
-  switch (KindByte(ledger.OpenEntries.front().Kind)) {
-    case kBuy:
-      return 1;
-    case kSellShort:
-      return -1;
-    default:
-      return 0;
-  }
-}
+inline int32_t MarketPosition(const StrategyLedger& ledger) { return ledger.Position(); }
 // Signed sum of the open lots: positive long, negative short; 0 when flat.
 double CurrentContracts(const StrategyLedger& ledger);
 // Number of open entries; 0 when flat.

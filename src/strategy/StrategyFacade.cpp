@@ -22,7 +22,6 @@ bool CSystemFuncs::BuyToCover(double lots, double price) {
 }
 
 // --- Position and trade statistics of the current series.
-int32_t CSystemFuncs::MarketPosition() { return m_pImpl->MarketPosition(); }
 double CSystemFuncs::CurrentContracts() { return s::CurrentContracts(m_pImpl->CurrentLedger()); }
 int32_t CSystemFuncs::CurrentEntries() { return s::CurrentEntries(m_pImpl->CurrentLedger()); }
 int32_t CSystemFuncs::EntryDate() { return s::EntryDate(m_pImpl->CurrentSeries()); }

@@ -15,9 +15,6 @@ const QXBar& CurrentBar(const CQXBaseData* data) {
 
 }  // namespace
 
-double CSystemFuncs::Open() { return CurrentBar(m_pData).Open; }
-double CSystemFuncs::O() { return Open(); }
-
 double CSystemFuncs::High() {
   const double high = CurrentBar(m_pData).High;
   return m_pImpl->m_bTickPacked ? sysfuncs::PackedPrice(high) : high;
@@ -29,12 +26,6 @@ double CSystemFuncs::Low() {
   return m_pImpl->m_bTickPacked ? sysfuncs::PackedPrice(low) : low;
 }
 double CSystemFuncs::L() { return Low(); }
-
-double CSystemFuncs::Close() { return CurrentBar(m_pData).Close; }
-double CSystemFuncs::C() { return Close(); }
-double CSystemFuncs::Vol() { return CurrentBar(m_pData).Vol; }
-double CSystemFuncs::V() { return Vol(); }
-double CSystemFuncs::OpenInt() { return CurrentBar(m_pData).OpenInt; }
 
 int32_t CSystemFuncs::Date() { return sysfuncs::EncodeDate(m_pImpl->BarFields()); }
 int32_t CSystemFuncs::D() { return Date(); }

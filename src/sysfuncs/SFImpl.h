@@ -176,6 +176,15 @@ class SFImpl : public IceUtil::Shared {
     }
     return bars.empty() ? kNoBar : bars[SeriesBarIndex(dataIndex)];
   }
+  // SeriesBar(0), with the usual case tested on pointers.
+  const QXBar& MainSeriesBar() const {
+    const std::vector<QXBar>& bars = DataSource(0).Bars;
+    const auto bar = static_cast<size_t>(static_cast<uint32_t>(m_pData->CurrentBar));
+    if (bars.data() + bar < bars.data() + bars.size()) [[likely]] {
+      return bars.data()[bar];
+    }
+    return SeriesBar(0);
+  }
   // Index of that bar: CurrentBar, or the series' last bar when it has fewer bars (-1: none).
   int32_t SeriesBarIndex(int32_t dataIndex) const {
     const int32_t last = static_cast<int32_t>(DataSource(dataIndex).Bars.size()) - 1;
