@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 #include <type_traits>
 #include <unordered_map>
@@ -334,11 +335,10 @@ class StrategyAccount : public IceUtil::Shared {
   AccountStatistics Stats;
   std::vector<TradeRecord> Trades;  // every closed trade of every series
   int32_t FinalPosition = 0;
-  // Orders by the bar they executed on, recorded when that bar is checked out.
-  std::map<int32_t, std::vector<OrderRecord>> BarOrders;
-  // Entries of earlier runs, kept with their room for reuse: a run started over records its bar
-  // orders without allocating. Their keys and contents mean nothing.
-  std::map<int32_t, std::vector<OrderRecord>> SpareBarOrders;
+  // The orders of every series, recorded when their bar is checked out: in bar order, the orders
+  // of one bar in series order. A bar checked out again has its orders replaced. A run started
+  // over keeps the room of the list: it records without allocating until it outgrows it.
+  std::vector<OrderRecord> BarOrders;
   ReportDetail Detail;
   PerformanceReport Report;
   AccountStatistics SavedStats;  // taken on the last-but-one bar
@@ -348,6 +348,16 @@ class StrategyAccount : public IceUtil::Shared {
   std::map<int64_t, CheckPointRecord> CheckPoints;             // by bar time
   std::map<int64_t, std::map<int32_t, int32_t>> RankingTable;  // bar time -> criterion -> rank
   bool PoolMode = false;
+
+  // The recorded orders of bar `bar`, in series order; empty when it had none.
+  std::span<const OrderRecord> OrdersOfBar(int32_t bar) const {
+    const auto first =
+        std::partition_point(BarOrders.begin(), BarOrders.end(),
+                             [bar](const OrderRecord& order) { return order.Bar < bar; });
+    auto last = first;
+    while (last != BarOrders.end() && last->Bar == bar) ++last;
+    return {first, last};
+  }
 };
 using StrategyAccountPtr = IceUtil::Handle<StrategyAccount>;
 

@@ -1,5 +1,7 @@
 #include "qxrun/host/HostRun.h"
 
+#include <algorithm>
+
 namespace qxrun {
 namespace {
 
@@ -100,7 +102,10 @@ void HostInstance::Reevaluate(int32_t bar, bool chart) {
   if (account.EquityCurve.size() > barStart_.EquityPoints) {
     account.EquityCurve.resize(barStart_.EquityPoints);
   }
-  account.BarOrders.erase(account.BarOrders.lower_bound(bar), account.BarOrders.end());
+  std::vector<OrderRecord>& recorded = account.BarOrders;
+  recorded.erase(std::partition_point(recorded.begin(), recorded.end(),
+                                      [bar](const OrderRecord& order) { return order.Bar < bar; }),
+                 recorded.end());
   PointAt(bar);
   CSystemFuncs funcs(&data_);
   Step(funcs, bar, chart ? 0 : outputMode_);

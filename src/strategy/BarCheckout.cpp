@@ -53,22 +53,22 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
 
 void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>& ledgers,
                      int32_t bar) {
-  std::map<int32_t, std::vector<OrderRecord>>& barOrders = account.BarOrders;
-  std::map<int32_t, std::vector<OrderRecord>>& spare = account.SpareBarOrders;
-  std::vector<OrderRecord>* orders = nullptr;
-  if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
-    orders = &barOrders.rbegin()->second;  // the bar evaluated again
-  } else if (!spare.empty() && (barOrders.empty() || barOrders.rbegin()->first < bar)) {
-    // Bars are checked out in order: a spare entry goes to the end, its room reused.
-    auto entry = spare.extract(spare.begin());
-    entry.key() = bar;
-    orders = &barOrders.insert(barOrders.end(), std::move(entry))->second;
-  } else {
-    orders = &barOrders[bar];
+  std::vector<OrderRecord>& recorded = account.BarOrders;
+  // Bars are checked out in order: the orders go to the end of the list. A bar checked out again
+  // (or an earlier one, when a host goes back) first loses the orders recorded for it.
+  auto at = recorded.end();
+  if (!recorded.empty() && recorded.back().Bar >= bar) {
+    const auto first =
+        std::partition_point(recorded.begin(), recorded.end(),
+                             [bar](const OrderRecord& order) { return order.Bar < bar; });
+    auto last = first;
+    while (last != recorded.end() && last->Bar == bar) ++last;
+    at = recorded.erase(first, last);
   }
-  orders->clear();
   for (const StrategyLedger& ledger : ledgers) {
-    orders->insert(orders->end(), FirstOrderOfBar(ledger.Orders, bar), ledger.Orders.end());
+    const auto first = FirstOrderOfBar(ledger.Orders, bar);
+    const auto count = std::distance(first, ledger.Orders.end());
+    at = recorded.insert(at, first, ledger.Orders.end()) + count;
   }
 }
 

@@ -5,7 +5,6 @@
 #include "sysfuncs/HostData.h"
 
 #include <cstdint>
-#include <iterator>
 #include <map>
 #include <vector>
 
@@ -27,17 +26,15 @@ inline bool HasOrdersOnBar(const StrategyLedger& ledger, int32_t bar) {
   return !ledger.Orders.empty() && ledger.Orders.back().Bar == bar;
 }
 
-// Sets the account's BarOrders[bar] to the orders every series executed on `bar`, in series
-// order, in a spare entry when there is one. REQUIRES: some ledger HasOrdersOnBar.
+// Records the orders every series executed on `bar` in the account's BarOrders, in series order,
+// in place of those recorded for it before. REQUIRES: some ledger HasOrdersOnBar.
 void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>& ledgers,
                      int32_t bar);
 
-// Removes the entry of `bar`, a bar without orders that may have had some when it was evaluated
-// before; a bar without an entry costs one test.
-inline void ForgetBarOrders(std::map<int32_t, std::vector<OrderRecord>>& barOrders, int32_t bar) {
-  if (!barOrders.empty() && barOrders.rbegin()->first == bar) {
-    barOrders.erase(std::prev(barOrders.end()));
-  }
+// Removes the recorded orders of `bar` when they end the list: a bar without orders that may
+// have had some when it was evaluated before. A bar with none recorded costs one test.
+inline void ForgetBarOrders(std::vector<OrderRecord>& barOrders, int32_t bar) {
+  while (!barOrders.empty() && barOrders.back().Bar == bar) barOrders.pop_back();
 }
 
 }  // namespace sysfuncs

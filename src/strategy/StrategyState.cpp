@@ -17,16 +17,7 @@ void ResetAccount(StrategyAccount& account, double initCapital, bool percentMode
   account.Stats.Peak = peak;
   account.Stats.Trough = peak;
   account.Trades.clear();
-  // The bar-order entries are kept aside for the new run to fill. With none aside already, the
-  // two lists trade places: no entry is touched, and the new run takes them in the order of the
-  // bars they had (the order they were made in).
-  std::map<int32_t, std::vector<OrderRecord>>& spare = account.SpareBarOrders;
-  if (spare.empty()) spare.swap(account.BarOrders);
-  while (!account.BarOrders.empty()) {
-    auto entry = account.BarOrders.extract(account.BarOrders.begin());
-    entry.key() = spare.empty() ? 0 : spare.begin()->first - 1;
-    spare.insert(spare.begin(), std::move(entry));
-  }
+  account.BarOrders.clear();
   account.Detail = ReportDetail{};
   account.Detail.HighestBasisTime = firstBarTime;
   account.Detail.MaxDrawDownTime = firstBarTime;

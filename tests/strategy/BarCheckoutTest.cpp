@@ -1,6 +1,7 @@
 // The per-bar checkout, the end of the run, and the reset and roll-back of the strategy state.
 #include "sysfuncs/SFImpl.h"
 
+#include "strategy/BarCheckout.h"
 #include "strategy/EquityCurve.h"
 #include "strategy/PerformanceReport.h"
 #include "strategy/PositionValuation.h"
@@ -184,7 +185,7 @@ TEST(BarCheckout, OnePointPerBarAndNoAllocationOnBarsWithoutOrders) {
     // Open returns on a lot's margin at 102 (10.2): 200 / 10.2 and 400 / 10.2, each bar once.
     EXPECT_DOUBLE_EQ(run.account().PercentEquitySum, 600.0 / 10.2);
     EXPECT_EQ(run.account().BarOrders.size(), 1u);
-    EXPECT_EQ(run.account().BarOrders[1].size(), 1u);
+    EXPECT_EQ(run.account().OrdersOfBar(1).size(), 1u);
   }
 }
 
@@ -198,7 +199,7 @@ TEST(BarCheckout, BarEvaluatedAgainWithoutItsOrderLosesItsBarOrders) {
     run.host.At(0, 1);
     ASSERT_TRUE(run.impl->Buy(2.0, 0.0, kOriginFormula));  // 2 at 102, commission 2
     run.CheckOut(1);
-    ASSERT_EQ(run.account().BarOrders.count(1), 1u) << "mode " << mode;
+    ASSERT_EQ(run.account().OrdersOfBar(1).size(), 1u) << "mode " << mode;
     run.host.At(0, 1);
     run.impl->RollBackToCurrentBar();  // bar 1 again, this time without the Buy
     run.CheckOut(1);
@@ -214,9 +215,44 @@ TEST(BarCheckout, BarEvaluatedAgainWithoutItsOrderLosesItsBarOrders) {
     ASSERT_TRUE(run.impl->Buy(1.0, 0.0, kOriginFormula));  // 1 at 103
     run.CheckOut(2);
     ASSERT_EQ(run.account().BarOrders.size(), 1u) << "mode " << mode;
-    EXPECT_EQ(run.account().BarOrders.begin()->first, 2) << "mode " << mode;
+    EXPECT_EQ(run.account().BarOrders.front().Bar, 2) << "mode " << mode;
     EXPECT_EQ(curve[2].BarCost, 1.0) << "mode " << mode;
   }
+}
+
+// The recorded orders stay in bar order, a bar's orders in series order, whichever bar is
+// recorded again: the last one, or an earlier one when a host goes back.
+TEST(BarCheckout, BarOrdersStayInBarOrderWhenABarIsRecordedAgain) {
+  const auto order = [](uint32_t kind, int32_t bar, double price) {
+    return EntryLot{kind, bar, 0, 1.0, price, 0.0};
+  };
+  std::vector<StrategyLedger> ledgers(2);
+  ledgers[0].Orders = {order(kBuy, 1, 10.0)};
+  StrategyAccount account;
+  const auto prices = [&account] {
+    std::vector<double> listed;
+    for (const OrderRecord& recorded : account.BarOrders) listed.push_back(recorded.Price);
+    return listed;
+  };
+  RecordBarOrders(account, ledgers, 1);
+  ledgers[1].Orders = {order(kSellShort, 1, 11.0)};
+  RecordBarOrders(account, ledgers, 1);  // bar 1 again, now with both series' orders
+  EXPECT_EQ(prices(), (std::vector<double>{10.0, 11.0}));
+  ledgers[0].Orders.push_back(order(kSell, 3, 13.0));
+  ledgers[1].Orders.push_back(order(kBuyToCover, 3, 14.0));
+  RecordBarOrders(account, ledgers, 3);
+  EXPECT_EQ(prices(), (std::vector<double>{10.0, 11.0, 13.0, 14.0}));
+
+  ledgers[0].Orders = {order(kBuy, 1, 20.0)};  // a host back at bar 1: bar 3 keeps its orders
+  ledgers[1].Orders.clear();
+  RecordBarOrders(account, ledgers, 1);
+  EXPECT_EQ(prices(), (std::vector<double>{20.0, 13.0, 14.0}));
+  EXPECT_EQ(account.OrdersOfBar(3).size(), 2u);
+  EXPECT_TRUE(account.OrdersOfBar(2).empty());
+
+  ForgetBarOrders(account.BarOrders, 1);  // not at the end: kept
+  ForgetBarOrders(account.BarOrders, 3);
+  EXPECT_EQ(prices(), (std::vector<double>{20.0}));
 }
 
 TEST(BarCheckout, RolloverMovesThePositionAtTheOpenOfItsBar) {
