@@ -11,6 +11,8 @@
 //
 // Usage: strategy_bench [bars (1000000)] [repetitions (9)] [only (1 or 2): one measurement, for
 // a profiler]
+// With STRATEGY_BENCH_MALLOC=default in the environment, malloc keeps its own settings, as in a
+// typical host: the large blocks are then mapped apart from the heap, and freed ones unmapped.
 #include "sysfuncs/sysfuncs.h"
 
 #include "AllocationCounter.h"
@@ -259,8 +261,11 @@ int main(int argc, char** argv) {
   StrategyAdapter adapter;
   SysFuncs_Init(nullptr, &adapter, "", "");
   // Freed memory stays in the heap, so that only the first repetition pays for fresh pages.
-  mallopt(M_MMAP_MAX, 0);
-  mallopt(M_TRIM_THRESHOLD, INT_MAX);
+  const char* mallocSetup = std::getenv("STRATEGY_BENCH_MALLOC");
+  if (mallocSetup == nullptr || std::string(mallocSetup) != "default") {
+    mallopt(M_MMAP_MAX, 0);
+    mallopt(M_TRIM_THRESHOLD, INT_MAX);
+  }
 
   const std::vector<std::vector<QXBar>> series = {MakeRandomWalkBars(bars, 20240101),
                                                   MakeRandomWalkBars(bars, 20240102)};
