@@ -51,8 +51,8 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
   return cost;
 }
 
-void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>& ledgers,
-                     int32_t bar) {
+[[gnu::noinline]] void RecordBarOrders(StrategyAccount& account,
+                                       const std::vector<StrategyLedger>& ledgers, int32_t bar) {
   std::vector<OrderRecord>& recorded = account.BarOrders;
   // Bars are checked out in order: the orders go to the end of the list. A bar checked out again
   // (or an earlier one, when a host goes back) first loses the orders recorded for it.
@@ -74,8 +74,21 @@ void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>
 
 }  // namespace sysfuncs
 
-// Flattened: the recording of the bar is inlined; the rare steps are kept out of line.
-[[gnu::flatten]] void SFImpl::BarCheckout() {
+void SFImpl::BarCheckout() {
+  const CQXBaseData& data = *m_pData;
+  // The usual bar (no reset asked for, not one of the last two bars, no rollovers and no check
+  // points to follow) only records itself: one test for all of that. The cache and the account
+  // are never null (the constructor makes them): they are read unchecked.
+  if (data.ResetPending <= 0 && data.CurrentBar < data.BarCount - 2 &&
+      m_spSymbolCache.get()->Rollovers.empty() && m_spStrategyAccount.get()->CheckPoints.empty())
+      [[likely]] {
+    RecordBar();
+    return;
+  }
+  CheckOutUnusualBar();
+}
+
+[[gnu::noinline]] void SFImpl::CheckOutUnusualBar() {
   CQXBaseData& data = *m_pData;
   const int32_t bar = data.CurrentBar;
   const int32_t barCount = data.BarCount;
@@ -91,12 +104,10 @@ void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>
     data.ResetPending = 0;
     ResetStrategy();
   }
-  // Rollovers and check points are rare: a series without them costs one test each. The cache
-  // and the account are never null (the constructor makes them): they are read unchecked.
-  if (!m_spSymbolCache.get()->Rollovers.empty()) RepositionRollovers();
+  if (!m_spSymbolCache->Rollovers.empty()) RepositionRollovers();
   RecordBar();
   if (bar == barCount - 2) sysfuncs::SaveLastBarStart(*m_spStrategyAccount, data.Ledgers);
-  if (!m_spStrategyAccount.get()->CheckPoints.empty()) FollowCheckPoint();
+  if (!m_spStrategyAccount->CheckPoints.empty()) FollowCheckPoint();
 }
 
 [[gnu::noinline]] void SFImpl::RepositionRollovers() {
@@ -126,8 +137,7 @@ void RecordBarOrders(StrategyAccount& account, const std::vector<StrategyLedger>
   }
 }
 
-// Flattened: the valuation and the curve updates are inlined into the one loop over the series.
-[[gnu::flatten]] void SFImpl::RecordBar() {
+void SFImpl::RecordBar() {
   CQXBaseData& data = *m_pData;
   StrategyAccount& account = *m_spStrategyAccount.get();
   const int32_t bar = data.CurrentBar;

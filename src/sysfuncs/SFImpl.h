@@ -207,7 +207,9 @@ class SFImpl : public IceUtil::Shared {
   double PortfolioMaxDrawDown();
   double PortfolioMaxDrawDownRatio();
 
-  // Steps of the checkout.
+  // Steps of the checkout. A bar with any of the rare steps (a reset, the last two bars,
+  // rollovers, check points) takes them all in their order.
+  void CheckOutUnusualBar();
   void RepositionRollovers();
   // Values the positions and records the bar's equity point, drawdown and orders.
   void RecordBar();
