@@ -37,12 +37,6 @@ double OpenProfitAtExtreme(const SeriesView& series, bool favourable) {
 
 }  // namespace
 
-double CurrentContracts(const StrategyLedger& ledger) {
-  double lots = 0.0;
-  for (const EntryLot& entry : ledger.OpenEntries) lots += entry.Lots;
-  return MarketPosition(ledger) < 0 ? -lots : lots;
-}
-
 int32_t EntryDate(const SeriesView& series) {
   if (IsFlat(series.Ledger)) return 0;
   return ToFormulaDate(BarTime(series, series.Ledger.OpenEntries.front().Bar));

@@ -35,8 +35,17 @@ inline bool IsLongKind(uint32_t kind) { return KindByte(kind) == kBuy; }
 
 // 1 when the first open entry is a Buy, -1 when it is a SellShort, else 0; 0 when flat.
 inline int32_t MarketPosition(const StrategyLedger& ledger) { return ledger.Position(); }
+// Sum of the open entries' lots, oldest first; 0 when flat.
+inline double OpenLots(const StrategyLedger& ledger) {
+  double lots = 0.0;
+  for (const EntryLot& entry : ledger.OpenEntries) lots += entry.Lots;
+  return lots;
+}
 // Signed sum of the open lots: positive long, negative short; 0 when flat.
-double CurrentContracts(const StrategyLedger& ledger);
+inline double CurrentContracts(const StrategyLedger& ledger) {
+  const double lots = OpenLots(ledger);
+  return MarketPosition(ledger) < 0 ? -lots : lots;
+}
 // Number of open entries; 0 when flat.
 inline int32_t CurrentEntries(const StrategyLedger& ledger) {
   return static_cast<int32_t>(ledger.OpenEntries.size());

@@ -5,6 +5,7 @@
 
 #include "sysfuncs/HostData.h"
 
+#include <cmath>
 #include <cstdint>
 #include <type_traits>
 
@@ -76,18 +77,54 @@ inline double Margin(const ContractTerms& terms, const CostSetting& cost, double
 
 // Commission of `lots` lots at `price`, by the commission kind: 1 ticks per lot, 2 a fraction of
 // the turnover in units of 1/10000, any other kind money per lot.
-double Commission(const ContractTerms& terms, const CostSetting& cost, double lots, double price);
+inline double Commission(const ContractTerms& terms, const CostSetting& cost, double lots,
+                         double price) {
+  const double rate = cost.CommissionRate;
+  switch (cost.CommissionKind) {
+    case 1: {  // ticks per lot
+      const double ticks = terms.TickSize * rate * lots;
+      switch (terms.MarginKind) {
+        case 1:
+          return ticks * terms.ContractSize * price;
+        case 2:
+        case 3:
+          return ticks * terms.ContractSize;
+        case 4:
+        case 5:
+          return ticks * terms.LotValue;
+        default:
+          return 0.0;
+      }
+    }
+    case 2:  // turnover, in units of 1/10000
+      return terms.LotValue * lots * price * rate / 10000.0;
+    default:  // money per lot
+      return rate * lots;
+  }
+}
 
 // Slippage of the whole lots of `lots`: money per lot, or ticks per lot when SlippageKind is set.
-double Slippage(const ContractTerms& terms, const CostSetting& cost, double lots);
+inline double Slippage(const ContractTerms& terms, const CostSetting& cost, double lots) {
+  const double perLots = std::trunc(lots) * cost.Slippage;
+  return cost.SlippageKind != 0 ? perLots * terms.LotValue * terms.TickSize : perLots;
+}
 
-// Cost of an entry order: slippage, plus commission unless entries are commission-free.
-double EntryCost(const ContractTerms& terms, const CostSetting& cost, double lots, double price);
+// Cost of an entry order: slippage, plus commission unless entries are commission-free. Inline,
+// like the exit cost: every order pays one.
+inline double EntryCost(const ContractTerms& terms, const CostSetting& cost, double lots,
+                        double price) {
+  const double slippage = Slippage(terms, cost, lots);
+  return cost.NoEntryCommission ? slippage : slippage + Commission(terms, cost, lots, price);
+}
 
 // Cost of closing `lots` lots at `price`: slippage, plus commission unless same-day exits are
 // free and the exit is on its entry's trading day.
-double ExitCost(const ContractTerms& terms, const CostSetting& cost, double lots, double price,
-                bool sameTradingDay);
+inline double ExitCost(const ContractTerms& terms, const CostSetting& cost, double lots,
+                       double price, bool sameTradingDay) {
+  const double slippage = Slippage(terms, cost, lots);
+  if (cost.SameDayExitFree && sameTradingDay) return slippage;
+  return slippage + Commission(terms, cost, lots, price);
+}
 
 // Profit of one lot under rule kind kKind (see PerLotProfit below).
 template <int32_t kKind>

@@ -33,18 +33,6 @@ sysfuncs::SeriesView SFImpl::SeriesOf(int32_t dataIndex) {
                               TermsOf(dataIndex),          SinglePriceBars()};
 }
 
-sysfuncs::OrderContext SFImpl::CurrentOrderContext() {
-  const int32_t dataIndex = m_pData->CurrentData;
-  return sysfuncs::OrderContext{m_pData->Ledgers[dataIndex],
-                                *m_spStrategyAccount,
-                                m_pData->CostSettings[dataIndex],
-                                TermsOf(dataIndex),
-                                *m_pData,
-                                DataSource(0).Bars,
-                                m_pData->CurrentBar,
-                                dataIndex};
-}
-
 sysfuncs::PriceLimits SFImpl::DayPriceLimits(int32_t dataIndex) {
   if (dataIndex == 0) return {m_dUpperLimit, m_dLowerLimit};
   return {GetQuoteReal(19, "Q_UpperLimit"), GetQuoteReal(20, "Q_LowerLimit")};

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace sysfuncs {
 namespace {
@@ -28,10 +29,10 @@ bool IsNoTradeBar(const QXBar& bar) {
 // refused like an invalid price. Real amounts lie many orders of magnitude below.
 constexpr double kMostMoneyPerExit = 1e18;
 
-// Whether closing `lots` at `price` books at most kMostMoneyPerExit: the exit's costs and, for
-// every entry it may touch, the entry's profit at `price` and its cost.
-bool ExitMoneyIsBounded(const OrderContext& context, double lots, double price) {
-  double money = ExitCost(context.Terms, context.Cost, lots, price, false);
+// Whether an exit at `price` that costs `exitCost` books at most kMostMoneyPerExit: the exit's
+// costs and, for every entry it may touch, the entry's profit at `price` and its cost.
+bool ExitMoneyIsBounded(const OrderContext& context, double exitCost, double price) {
+  double money = exitCost;
   for (const EntryLot& entry : context.Ledger.OpenEntries) {
     money += std::fabs(PerLotProfit(context.Terms, IsLongKind(entry.Kind), entry.Price, price)) *
                  entry.Lots +
@@ -98,7 +99,9 @@ bool ExecuteEntry(OrderContext& context, OrderKind kind, double lots, double pri
   const double oneLotMargin = Margin(context.Terms, context.Cost, 1.0, price);
   double size = lots == 0.0 ? DefaultLots(context.Settings, availableCapital, oneLotMargin)
                             : std::min(lots, AffordableLots(availableCapital, oneLotMargin));
-  const double held = std::trunc(std::fabs(CurrentContracts(ledger)) + kLotRounding);
+  const double heldLots = OpenLots(ledger);
+  // A flat position holds trunc(0.01) = 0 whole lots.
+  const double held = heldLots == 0.0 ? 0.0 : std::trunc(std::fabs(heldLots) + kLotRounding);
   size = std::min(size, context.Settings.MaxPositionLots - held);
   if (size < 1.0) return false;
 
@@ -111,7 +114,9 @@ bool ExecuteEntry(OrderContext& context, OrderKind kind, double lots, double pri
   LedgerStatistics& stats = ledger.Stats;
   stats.MaxEntriesRecord =
       std::max(stats.MaxEntriesRecord, static_cast<int32_t>(ledger.OpenEntries.size()));
-  const double contracts = CurrentContracts(ledger);
+  // The entry's lots add to the sum last, as CurrentContracts adds them.
+  const double lotsAfter = heldLots + size;
+  const double contracts = MarketPosition(ledger) < 0 ? -lotsAfter : lotsAfter;
   stats.MaxContractsRecord = contracts;
   if (std::fabs(contracts) > std::fabs(stats.MaxContractsHeldRecord)) {
     stats.MaxContractsHeldRecord = contracts;
@@ -122,11 +127,13 @@ bool ExecuteEntry(OrderContext& context, OrderKind kind, double lots, double pri
 bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double price,
                  uint32_t origin) {
   StrategyLedger& ledger = context.Ledger;
-  const double position = std::fabs(CurrentContracts(ledger));
+  const double position = std::fabs(OpenLots(ledger));
   const double size = lots == 0.0 || lots >= position ? position : lots;
-  if (size < 1.0 || !ExitMoneyIsBounded(context, size, price)) return false;
+  if (size < 1.0) return false;
+  const double exitCost = ExitCost(context.Terms, context.Cost, size, price, false);
+  if (!ExitMoneyIsBounded(context, exitCost, price)) return false;
 
-  const ExitTotals totals = MatchExit(context, size, price, origin);
+  const ExitTotals totals = MatchExit(context, size, price, origin, exitCost);
   context.Account.Capital += totals.NetProfit;
   context.Account.CumReturn += totals.Return * 100.0;
   // Any exit, a partial one too, ends the position's records.
@@ -136,8 +143,12 @@ bool ExecuteExit(OrderContext& context, OrderKind kind, double lots, double pric
 
   // The exit's own cost differs by side on purpose: a Sell carries the exit costs of its trades,
   // a BuyToCover the entry-cost rule on its lots and price. Only the bar's cost total reads it.
-  const double cost =
-      kind == kSell ? totals.ExitCost : EntryCost(context.Terms, context.Cost, size, price);
+  // With entry commission charged the entry-cost rule is the exit cost off the entry's day.
+  double cost = totals.ExitCost;
+  if (kind != kSell) {
+    cost = context.Cost.NoEntryCommission ? EntryCost(context.Terms, context.Cost, size, price)
+                                          : exitCost;
+  }
   ledger.Orders.push_back(
       OrderRecord{kind | origin, context.Bar, context.DataIndex, size, price, cost});
   return true;
@@ -152,7 +163,9 @@ namespace {
 
 using namespace sysfuncs;
 
-bool PlaceSignalOrder(SFImpl& impl, OrderKind kind, double lots, double price, uint32_t origin) {
+// Flattened: the legs of a reversal and the money rules they apply run as one function.
+[[gnu::flatten]] bool PlaceSignalOrder(SFImpl& impl, OrderKind kind, double lots, double price,
+                                       uint32_t origin) {
   if (!IsOrderArgument(lots) || !IsOrderArgument(price)) return false;
   if (lots < kLowestLots) return false;
   const int32_t dataIndex = impl.m_pData->CurrentData;
@@ -170,26 +183,19 @@ bool PlaceSignalOrder(SFImpl& impl, OrderKind kind, double lots, double price, u
       ExecutionPrice(price, direction, bar, rules, clamps ? &limits : nullptr);
   const double wholeLots = WholeLots(lots);
 
-  const int32_t position = MarketPosition(context.Ledger);
-  switch (kind) {
-    case kBuy:
-      if (position == -1 && !ExecuteExit(context, kBuyToCover, 0.0, executionPrice, origin)) {
-        return false;
-      }
-      return ExecuteEntry(context, kBuy, wholeLots, executionPrice, origin,
-                          impl.AvailableCapital());
-    case kSellShort:
-      if (position == 1 && !ExecuteExit(context, kSell, 0.0, executionPrice, origin)) {
-        return false;
-      }
-      return ExecuteEntry(context, kSellShort, wholeLots, executionPrice, origin,
-                          impl.AvailableCapital());
-    case kSell:
-      return position == 1 && ExecuteExit(context, kSell, wholeLots, executionPrice, origin);
-    case kBuyToCover:
-      return position == -1 && ExecuteExit(context, kBuyToCover, wholeLots, executionPrice, origin);
+  // An entry first closes a position on the other side; an exit closes only its own side.
+  const bool isEntry = kind == kBuy || kind == kSellShort;
+  const OrderKind exitKind = kind == kBuy || kind == kBuyToCover ? kBuyToCover : kSell;
+  const int32_t closedPosition = exitKind == kSell ? 1 : -1;
+  if (MarketPosition(context.Ledger) == closedPosition) {
+    if (!ExecuteExit(context, exitKind, isEntry ? 0.0 : wholeLots, executionPrice, origin)) {
+      return false;
+    }
+  } else if (!isEntry) {
+    return false;
   }
-  return false;
+  return !isEntry ||
+         ExecuteEntry(context, kind, wholeLots, executionPrice, origin, impl.AvailableCapital());
 }
 
 }  // namespace
@@ -212,13 +218,29 @@ bool SFImpl::BuyToCover(double lots, double price, uint32_t origin) {
 
 double SFImpl::AvailableCapital() {
   double capital = m_spStrategyAccount->Capital;
-  const sysfuncs::CurrentDataScope scope(m_pData);
+  // A series is addressed only to read the margin of its position.
+  std::optional<sysfuncs::CurrentDataScope> scope;
   for (int32_t index = 0; index < m_pData->DataCount; ++index) {
-    m_pData->CurrentData = index;
     const double contracts = std::fabs(sysfuncs::CurrentContracts(m_pData->Ledgers[index]));
     if (contracts <= sysfuncs::kAmountTolerance) continue;
+    if (!scope) scope.emplace(m_pData);
+    m_pData->CurrentData = index;
     capital -= sysfuncs::Margin(TermsOf(index), m_pData->CostSettings[index], contracts,
                                 SeriesBar(index).Open);
   }
   return capital;
+}
+
+// Defined here rather than with the other series access so that the flattened order path takes it
+// in.
+sysfuncs::OrderContext SFImpl::CurrentOrderContext() {
+  const int32_t dataIndex = m_pData->CurrentData;
+  return sysfuncs::OrderContext{m_pData->Ledgers[dataIndex],
+                                *m_spStrategyAccount,
+                                m_pData->CostSettings[dataIndex],
+                                TermsOf(dataIndex),
+                                *m_pData,
+                                DataSource(0).Bars,
+                                m_pData->CurrentBar,
+                                dataIndex};
 }

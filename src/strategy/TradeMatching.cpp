@@ -58,26 +58,39 @@ bool OnEntryTradingDay(const std::vector<QXBar>& mainBars, int32_t entryBar, int
                         InstantSeconds(mainBars[exitBar].Time));
 }
 
-TradeRecord MakeTrade(const OrderContext& context, const EntryLot& entry, double lots, double price,
-                      uint32_t origin) {
+// Appends to `trades` the trade of `lots` lots of `entry` closed at `price`, and returns it.
+// `fullExitCost` is the exit cost of the exit's `exitLots` off their entries' trading day: a trade
+// that takes all of them and is not waived the commission costs exactly that.
+const TradeRecord& AppendTrade(std::vector<TradeRecord>& trades, const OrderContext& context,
+                               const EntryLot& entry, double lots, double price, uint32_t origin,
+                               double exitLots, double fullExitCost) {
   const bool isLong = IsLongKind(entry.Kind);
   const bool sameDay =
       context.Cost.SameDayExitFree && OnEntryTradingDay(context.MainBars, entry.Bar, context.Bar);
-  TradeRecord trade;
-  trade.EntryKind = entry.Kind;
-  trade.ExitKind = (isLong ? kSell : kBuyToCover) | origin;
-  trade.EntryBar = entry.Bar;
-  trade.ExitBar = context.Bar;
-  trade.DataIndex = entry.DataIndex;
-  trade.Lots = lots;
-  trade.EntryPrice = entry.Price;
-  trade.ExitPrice = price;
-  trade.EntryCost = entry.Cost * lots / entry.Lots;
-  trade.ExitCost = ExitCost(context.Terms, context.Cost, lots, price, sameDay);
-  trade.GrossProfit = PerLotProfit(context.Terms, isLong, entry.Price, price) * lots;
-  trade.NetProfit = trade.GrossProfit - trade.EntryCost - trade.ExitCost;
-  trade.Return = ReturnOnMargin(context.Terms, context.Cost, trade.NetProfit, entry.Price);
-  return trade;
+  const double entryCost = entry.Cost * lots / entry.Lots;
+  const double exitCost = lots == exitLots && !sameDay
+                              ? fullExitCost
+                              : ExitCost(context.Terms, context.Cost, lots, price, sameDay);
+  double grossProfit = 0.0;
+  double netProfit = 0.0;
+  double tradeReturn = 0.0;
+  WithRuleKind(context.Terms.MarginKind, [&](auto kind) {
+    grossProfit = PerLotProfitOfKind<kind()>(context.Terms, isLong, entry.Price, price) * lots;
+    netProfit = grossProfit - entryCost - exitCost;
+    tradeReturn = ReturnOnMarginOfKind<kind()>(context.Terms, context.Cost, netProfit, entry.Price);
+  });
+  const uint32_t exitKind = (isLong ? kSell : kBuyToCover) | origin;
+  return trades.emplace_back(TradeRecord{entry.Kind, exitKind, entry.Bar, context.Bar,
+                                         entry.DataIndex, lots, entry.Price, price, entryCost,
+                                         exitCost, grossProfit, netProfit, tradeReturn});
+}
+
+// The account's booking: the shared rule, and the gross profit and loss by side.
+void BookAccountValue(AccountStatistics& stats, double value, int32_t lots, int32_t bars,
+                      bool isLong) {
+  const int sign = BookValue(stats, value, lots, bars);
+  if (sign > 0) (isLong ? stats.GrossProfitLong : stats.GrossProfitShort) += value;
+  if (sign < 0) (isLong ? stats.GrossLossLong : stats.GrossLossShort) += value;
 }
 
 }  // namespace
@@ -87,14 +100,17 @@ void BookTrade(LedgerStatistics& stats, const TradeRecord& trade, bool percentMo
 }
 
 void BookTrade(AccountStatistics& stats, const TradeRecord& trade, bool percentMode) {
-  const double value = BookedValue(trade, percentMode);
-  const int sign = BookValue(stats, value, WholeLotsOf(trade), BarsHeld(trade));
-  const bool isLong = IsLongKind(trade.EntryKind);
-  if (sign > 0) (isLong ? stats.GrossProfitLong : stats.GrossProfitShort) += value;
-  if (sign < 0) (isLong ? stats.GrossLossLong : stats.GrossLossShort) += value;
+  BookAccountValue(stats, BookedValue(trade, percentMode), WholeLotsOf(trade), BarsHeld(trade),
+                   IsLongKind(trade.EntryKind));
 }
 
 ExitTotals MatchExit(OrderContext& context, double lots, double price, uint32_t origin) {
+  return MatchExit(context, lots, price, origin,
+                   ExitCost(context.Terms, context.Cost, lots, price, false));
+}
+
+ExitTotals MatchExit(OrderContext& context, double lots, double price, uint32_t origin,
+                     double fullExitCost) {
   std::vector<EntryLot>& entries = context.Ledger.OpenEntries;
   const bool lifo = context.Settings.LifoExits;
   const bool percentMode = context.Settings.PercentMode;
@@ -106,10 +122,14 @@ ExitTotals MatchExit(OrderContext& context, double lots, double price, uint32_t 
     const double held = entry.Lots;
     // A trade takes the rest of the exit unless that leaves less than 0.1 lot of the entry.
     const double tradeLots = held - remaining > kPartialFillTolerance ? remaining : held;
-    const TradeRecord trade = MakeTrade(context, entry, tradeLots, price, origin);
-    BookTrade(context.Ledger.Stats, trade, percentMode);
-    BookTrade(context.Account.Stats, trade, percentMode);
-    context.Ledger.Trades.push_back(trade);
+    const TradeRecord& trade = AppendTrade(context.Ledger.Trades, context, entry, tradeLots, price,
+                                           origin, lots, fullExitCost);
+    // Both blocks book the same value, lots and bars.
+    const double value = BookedValue(trade, percentMode);
+    const int32_t wholeLots = WholeLotsOf(trade);
+    const int32_t bars = BarsHeld(trade);
+    BookValue(context.Ledger.Stats, value, wholeLots, bars);
+    BookAccountValue(context.Account.Stats, value, wholeLots, bars, IsLongKind(trade.EntryKind));
     context.Account.Trades.push_back(trade);
     totals.ExitCost += trade.ExitCost;
     totals.NetProfit += trade.NetProfit;

@@ -50,6 +50,10 @@ void BookTrade(AccountStatistics& stats, const TradeRecord& trade, bool percentM
 // touched and removes or shrinks the entries consumed. `origin` is or-ed into the trades' exit
 // kinds. Realised capital is left to the caller.
 ExitTotals MatchExit(OrderContext& context, double lots, double price, uint32_t origin);
+// The same, for a caller that has the exit's cost at hand: `fullExitCost` is
+// ExitCost(context.Terms, context.Cost, lots, price, false).
+ExitTotals MatchExit(OrderContext& context, double lots, double price, uint32_t origin,
+                     double fullExitCost);
 
 }  // namespace sysfuncs
 

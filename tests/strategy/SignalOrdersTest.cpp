@@ -210,6 +210,34 @@ TEST(SignalOrders, ExitOrderCostDiffersBetweenSellAndBuyToCover) {
   EXPECT_EQ(desk.ledger().Trades[1].ExitCost, 6.0);
 }
 
+TEST(SignalOrders, ExitCostsOfEachTradeAndOfTheExitOrder) {
+  Desk desk;  // every bar at time 0: one trading day
+  CostSetting& cost = desk.host.data.CostSettings[0];
+  cost.CommissionRate = 2.0;  // money per lot
+  cost.Slippage = 1.0;
+  CSystemFuncs& f = *desk.funcs;
+  // One exit over two entries: each trade pays for its own lots.
+  ASSERT_TRUE(f.Buy(1.0, 0.0) && f.Buy(2.0, 0.0) && f.Sell(0.0, 0.0));
+  // Short 3 lots, covered whole: the cover's order cost is the entry rule on 3 lots.
+  ASSERT_TRUE(f.SellShort(3.0, 0.0) && f.BuyToCover(0.0, 0.0));
+  // Same-day exits free: a reversal's exit and a cover pay slippage only on their trades, the
+  // cover's order still the entry rule with commission.
+  cost.SameDayExitFree = true;
+  ASSERT_TRUE(f.Buy(2.0, 0.0) && f.SellShort(1.0, 0.0) && f.BuyToCover(0.0, 0.0));
+  const StrategyLedger& ledger = desk.ledger();
+  ASSERT_EQ(ledger.Trades.size(), 5u);
+  ASSERT_EQ(ledger.Orders.size(), 9u);
+  EXPECT_EQ(ledger.Trades[0].ExitCost, 3.0);  // 1 x 1 + 1 x 2
+  EXPECT_EQ(ledger.Trades[1].ExitCost, 6.0);  // 2 x 1 + 2 x 2
+  EXPECT_EQ(ledger.Orders[2].Cost, 9.0);      // the Sell: its trades' exit costs
+  EXPECT_EQ(ledger.Trades[2].ExitCost, 9.0);  // 3 x 1 + 3 x 2
+  EXPECT_EQ(ledger.Orders[4].Cost, 9.0);      // the BuyToCover: 3 x 1 + 3 x 2
+  EXPECT_EQ(ledger.Trades[3].ExitCost, 2.0);  // 2 x 1, commission waived
+  EXPECT_EQ(ledger.Orders[6].Cost, 2.0);      // the reversal's Sell
+  EXPECT_EQ(ledger.Trades[4].ExitCost, 1.0);  // 1 x 1, commission waived
+  EXPECT_EQ(ledger.Orders[8].Cost, 3.0);      // the BuyToCover: 1 x 1 + 1 x 2
+}
+
 TEST(SignalOrders, LimitsClampOnTheLastBarOnlyFromTodayOn) {
   const int64_t lastBarTime = ShanghaiInstant(2024, 3, 4, 10);  // 02:00 UTC
   Desk desk({MakeBar(lastBarTime - 60000, 100, 102, 98, 101, 10),
