@@ -349,14 +349,20 @@ class StrategyAccount : public IceUtil::Shared {
   std::map<int64_t, std::map<int32_t, int32_t>> RankingTable;  // bar time -> criterion -> rank
   bool PoolMode = false;
 
+  // The index in BarOrders of the first order recorded for bar `bar` or a later bar (the size
+  // when there is none).
+  size_t FirstOrderFrom(int32_t bar) const {
+    return static_cast<size_t>(
+        std::partition_point(BarOrders.begin(), BarOrders.end(),
+                             [bar](const OrderRecord& order) { return order.Bar < bar; }) -
+        BarOrders.begin());
+  }
   // The recorded orders of bar `bar`, in series order; empty when it had none.
   std::span<const OrderRecord> OrdersOfBar(int32_t bar) const {
-    const auto first =
-        std::partition_point(BarOrders.begin(), BarOrders.end(),
-                             [bar](const OrderRecord& order) { return order.Bar < bar; });
-    auto last = first;
-    while (last != BarOrders.end() && last->Bar == bar) ++last;
-    return {first, last};
+    const size_t first = FirstOrderFrom(bar);
+    size_t last = first;
+    while (last < BarOrders.size() && BarOrders[last].Bar == bar) ++last;
+    return std::span<const OrderRecord>(BarOrders).subspan(first, last - first);
   }
 };
 using StrategyAccountPtr = IceUtil::Handle<StrategyAccount>;

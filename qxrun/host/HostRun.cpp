@@ -1,7 +1,5 @@
 #include "qxrun/host/HostRun.h"
 
-#include <algorithm>
-
 namespace qxrun {
 namespace {
 
@@ -102,10 +100,7 @@ void HostInstance::Reevaluate(int32_t bar, bool chart) {
   if (account.EquityCurve.size() > barStart_.EquityPoints) {
     account.EquityCurve.resize(barStart_.EquityPoints);
   }
-  std::vector<OrderRecord>& recorded = account.BarOrders;
-  recorded.erase(std::partition_point(recorded.begin(), recorded.end(),
-                                      [bar](const OrderRecord& order) { return order.Bar < bar; }),
-                 recorded.end());
+  account.BarOrders.resize(account.FirstOrderFrom(bar));
   PointAt(bar);
   CSystemFuncs funcs(&data_);
   Step(funcs, bar, chart ? 0 : outputMode_);

@@ -58,12 +58,8 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
   // (or an earlier one, when a host goes back) first loses the orders recorded for it.
   auto at = recorded.end();
   if (!recorded.empty() && recorded.back().Bar >= bar) {
-    const auto first =
-        std::partition_point(recorded.begin(), recorded.end(),
-                             [bar](const OrderRecord& order) { return order.Bar < bar; });
-    auto last = first;
-    while (last != recorded.end() && last->Bar == bar) ++last;
-    at = recorded.erase(first, last);
+    const auto first = recorded.begin() + static_cast<ptrdiff_t>(account.FirstOrderFrom(bar));
+    at = recorded.erase(first, first + static_cast<ptrdiff_t>(account.OrdersOfBar(bar).size()));
   }
   for (const StrategyLedger& ledger : ledgers) {
     const auto first = FirstOrderOfBar(ledger.Orders, bar);
