@@ -6,7 +6,7 @@
 //
 // Linked into the programs only, never into a library: a replaced operator new is the whole
 // process's.
-#include "qxrun/data/MemoryHints.h"
+#include "platform/MemoryHints.h"
 
 #include <cstdlib>
 #include <new>
@@ -17,7 +17,7 @@ void* Allocate(std::size_t size) {
   const std::size_t bytes = size == 0 ? 1 : size;
   for (;;) {
     if (void* memory = std::malloc(bytes)) {
-      if (bytes >= qxrun::kHugePageWorthy) qxrun::OfferHugePages(memory, bytes);
+      sysfuncs::OfferHugePages(memory, bytes);  // a block below the worthy size is left alone
       return memory;
     }
     const std::new_handler handler = std::get_new_handler();

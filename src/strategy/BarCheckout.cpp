@@ -14,6 +14,7 @@
 #include <cmath>
 #include <iterator>
 #include <optional>
+#include <span>
 
 namespace sysfuncs {
 namespace {
@@ -58,8 +59,9 @@ double CostOfBarOrders(const std::vector<OrderRecord>& orders, int32_t bar) {
   // (or an earlier one, when a host goes back) first loses the orders recorded for it.
   auto at = recorded.end();
   if (!recorded.empty() && recorded.back().Bar >= bar) {
-    const auto first = recorded.begin() + static_cast<ptrdiff_t>(account.FirstOrderFrom(bar));
-    at = recorded.erase(first, first + static_cast<ptrdiff_t>(account.OrdersOfBar(bar).size()));
+    const std::span<const OrderRecord> old = account.OrdersOfBar(bar);
+    const auto first = recorded.begin() + (old.data() - recorded.data());
+    at = recorded.erase(first, first + static_cast<ptrdiff_t>(old.size()));
   }
   for (const StrategyLedger& ledger : ledgers) {
     const auto first = FirstOrderOfBar(ledger.Orders, bar);
@@ -139,7 +141,7 @@ void SFImpl::RecordBar() {
   const int32_t bar = data.CurrentBar;
   // The main series' bar stamps the point; it is looked up once.
   const int32_t count = data.DataCount;
-  const QXBar* mainBar = count > 0 ? &MainSeriesBar() : nullptr;
+  const QXBar* mainBar = count > 0 ? &SeriesBar(0) : nullptr;
   const bool singlePriceBars = SinglePriceBars();
   sysfuncs::PositionValue total;
   double barCost = 0.0;

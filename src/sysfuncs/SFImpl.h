@@ -169,21 +169,13 @@ class SFImpl : public IceUtil::Shared {
   const QXBar& SeriesBar(int32_t dataIndex) const {
     static const QXBar kNoBar;
     const std::vector<QXBar>& bars = DataSource(dataIndex).Bars;
-    // A negative CurrentBar wraps to a huge index: one comparison covers the usual case.
-    const auto bar = static_cast<size_t>(static_cast<uint32_t>(m_pData->CurrentBar));
-    if (bar < bars.size()) [[likely]] {
-      return bars[bar];
-    }
-    return bars.empty() ? kNoBar : bars[SeriesBarIndex(dataIndex)];
-  }
-  // SeriesBar(0), with the usual case tested on pointers.
-  const QXBar& MainSeriesBar() const {
-    const std::vector<QXBar>& bars = DataSource(0).Bars;
+    // A negative CurrentBar wraps to a huge index: one comparison, on pointers, covers the usual
+    // case.
     const auto bar = static_cast<size_t>(static_cast<uint32_t>(m_pData->CurrentBar));
     if (bars.data() + bar < bars.data() + bars.size()) [[likely]] {
       return bars.data()[bar];
     }
-    return SeriesBar(0);
+    return bars.empty() ? kNoBar : bars[SeriesBarIndex(dataIndex)];
   }
   // Index of that bar: CurrentBar, or the series' last bar when it has fewer bars (-1: none).
   int32_t SeriesBarIndex(int32_t dataIndex) const {
