@@ -146,22 +146,31 @@ void SFImpl::RecordBar() {
   sysfuncs::PositionValue total;
   double barCost = 0.0;
   bool anyOrder = false;
+  StrategyLedger* const ledgers = data.Ledgers.data();
   for (int32_t index = 0; index < count; ++index) {
-    StrategyLedger& ledger = data.Ledgers[index];
-    if (sysfuncs::HasOrdersOnBar(ledger, bar)) {
+    StrategyLedger& ledger = ledgers[index];
+    if (sysfuncs::HasOrdersOnBar(ledger, bar)) [[unlikely]] {
       anyOrder = true;
       barCost += sysfuncs::CostOfBarOrders(ledger.Orders, bar);
     }
+    const std::vector<EntryLot>& entries = ledger.OpenEntries;
     // A flat series values to nothing; its open-profit extremes move towards 0.
-    if (ledger.OpenEntries.empty()) {
-      sysfuncs::UpdateOpenExtremes(ledger.Stats, sysfuncs::PositionValue{});
+    if (entries.empty()) {
+      sysfuncs::MoveOpenExtremes(ledger.Stats, 0.0, 0.0);
       continue;
     }
-    const sysfuncs::PositionValue value =
-        sysfuncs::ValuePosition(ledger.OpenEntries, index == 0 ? *mainBar : SeriesBar(index), bar,
-                                singlePriceBars, TermsOf(index), data.CostSettings[index]);
-    total += value;
-    sysfuncs::UpdateOpenExtremes(ledger.Stats, value);
+    const QXBar& seriesBar = index == 0 ? *mainBar : SeriesBar(index);
+    const sysfuncs::ContractTerms terms = TermsOf(index);
+    const CostSetting& cost = data.CostSettings[index];
+    if (entries.size() == 1) [[likely]] {
+      sysfuncs::AddOneEntryPosition(total, ledger.Stats, entries.front(), seriesBar, bar,
+                                    singlePriceBars, terms, cost);
+    } else {
+      const sysfuncs::PositionValue value =
+          sysfuncs::ValuePosition(entries, seriesBar, bar, singlePriceBars, terms, cost);
+      total += value;
+      sysfuncs::UpdateOpenExtremes(ledger.Stats, value);
+    }
   }
 
   // Every field is written once: no zeroing first.
@@ -193,11 +202,11 @@ void SFImpl::RecordBar() {
 
   // Ledgers past DataCount keep no orders of the bar unless a host addressed them. (The loop
   // above reads a ledger for every series: there are at least DataCount.)
-  const size_t seriesLedgers = static_cast<size_t>(std::max(count, 0));
-  if (!anyOrder && data.Ledgers.size() > seriesLedgers) [[unlikely]] {
-    anyOrder = std::any_of(
-        data.Ledgers.begin() + static_cast<ptrdiff_t>(seriesLedgers), data.Ledgers.end(),
-        [bar](const StrategyLedger& ledger) { return sysfuncs::HasOrdersOnBar(ledger, bar); });
+  const auto pastSeries = data.Ledgers.begin() + std::max(count, 0);
+  if (!anyOrder && pastSeries != data.Ledgers.end()) [[unlikely]] {
+    anyOrder = std::any_of(pastSeries, data.Ledgers.end(), [bar](const StrategyLedger& ledger) {
+      return sysfuncs::HasOrdersOnBar(ledger, bar);
+    });
   }
   if (anyOrder) {
     sysfuncs::RecordBarOrders(account, data.Ledgers, bar);

@@ -11,7 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -65,6 +67,57 @@ TEST(BarCheckout, PositionsAreValuedByTheMarginKindOfTheirSeries) {
     EXPECT_NEAR(value.OpenReturn, row.openReturn, 1e-9) << "kind " << row.kind;
     EXPECT_NEAR(value.BestProfit, row.best, 1e-9) << "kind " << row.kind;
     EXPECT_NEAR(value.WorstProfit, row.worst, 1e-9) << "kind " << row.kind;
+  }
+}
+
+// A position of one entry adds to the totals and moves the extremes exactly as adding its
+// ValuePosition does, to the bit: under every rule kind, on either side, reaching the High and
+// the Low or not, onto a fresh total and a running one, and for figures of -0 (a zero gain at a
+// negative lot value).
+TEST(BarCheckout, OneEntryPositionsAddWhatTheirValuationAdds) {
+  const QXBar bar = MakeBar(0, 50, 55, 45, 52);
+  const PositionValue running{1.5, 2.5, 3.0, 1.0, -7.25, 0.3, 9.0, -4.0};
+  const auto bits = [](const PositionValue& value, const LedgerStatistics& stats) {
+    return std::vector<uint64_t>{std::bit_cast<uint64_t>(value.LongMargin),
+                                 std::bit_cast<uint64_t>(value.ShortMargin),
+                                 std::bit_cast<uint64_t>(value.LongLots),
+                                 std::bit_cast<uint64_t>(value.ShortLots),
+                                 std::bit_cast<uint64_t>(value.OpenProfit),
+                                 std::bit_cast<uint64_t>(value.OpenReturn),
+                                 std::bit_cast<uint64_t>(value.BestProfit),
+                                 std::bit_cast<uint64_t>(value.WorstProfit),
+                                 std::bit_cast<uint64_t>(stats.BestOpenProfit),
+                                 std::bit_cast<uint64_t>(stats.WorstOpenProfit)};
+  };
+  for (const int32_t kind : {0, 1, 2, 3, 4, 5, 6}) {
+    for (const double lotValue : {300.0, -300.0}) {
+      const ContractTerms terms{kind, lotValue / 30.0, lotValue, 0.2};
+      for (const uint32_t side : {uint32_t{kBuy}, uint32_t{kSellShort}}) {
+        for (const int32_t entryBar : {3, 5}) {
+          for (const bool single : {false, true}) {
+            for (const double price : {52.0, 47.5}) {
+              for (const PositionValue& start : {PositionValue{}, running}) {
+                const EntryLot entry{side, entryBar, 0, 2.0, price, 0.0};
+                LedgerStatistics viaPosition;
+                viaPosition.BestOpenProfit = 0.5;
+                viaPosition.WorstOpenProfit = -0.5;
+                LedgerStatistics direct = viaPosition;
+                const CostSetting cost{.MarginRate = 0.1};
+                PositionValue expected = start;
+                const PositionValue value = ValuePosition({entry}, bar, 5, single, terms, cost);
+                expected += value;
+                UpdateOpenExtremes(viaPosition, value);
+                PositionValue total = start;
+                AddOneEntryPosition(total, direct, entry, bar, 5, single, terms, cost);
+                EXPECT_EQ(bits(total, direct), bits(expected, viaPosition))
+                    << "kind " << kind << " lot value " << lotValue << " side " << side
+                    << " entry bar " << entryBar << " single " << single << " price " << price;
+              }
+            }
+          }
+        }
+      }
+    }
   }
 }
 
