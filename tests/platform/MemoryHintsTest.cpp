@@ -1,10 +1,10 @@
 #include "platform/MemoryHints.h"
+#include "support/WrittenMemory.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <random>
-#include <vector>
 
 namespace sysfuncs {
 namespace {
@@ -44,7 +44,7 @@ TEST(MemoryHintsTest, OfferedSpanNeverLeavesTheBlockNorMissesAChunk) {
     const size_t bytes = lengths(random);
     const uintptr_t end = begin + bytes;
     const AlignedSpan span = AlignedSpanWithin(begin, bytes, kHugePageSize);
-    SCOPED_TRACE(testing::Message() << std::hex << begin << " + " << bytes);
+    SCOPED_TRACE(::testing::Message() << std::hex << begin << " + " << bytes);
     EXPECT_EQ(span.Length % kHugePageSize, 0u);
     if (span.Length == 0) {
       // No aligned chunk fits: the first boundary at or after the begin leaves less than a chunk.
@@ -64,14 +64,10 @@ TEST(MemoryHintsTest, OfferedSpanNeverLeavesTheBlockNorMissesAChunk) {
 TEST(MemoryHintsTest, OfferLeavesWrittenMemoryAsItWas) {
   // Larger than the threshold and offered from an unaligned address inside a written buffer, so
   // that the offered interior and the memory around it both hold data already.
-  std::vector<uint32_t> values(kHugePageWorthy / sizeof(uint32_t) * 3);
-  for (size_t i = 0; i < values.size(); ++i) values[i] = static_cast<uint32_t>(i * 2654435761u);
-  OfferHugePages(values.data() + 3, kHugePageWorthy * 2);
-  size_t wrong = 0;
-  for (size_t i = 0; i < values.size(); ++i) {
-    if (values[i] != static_cast<uint32_t>(i * 2654435761u)) ++wrong;
-  }
-  EXPECT_EQ(wrong, 0u);
+  const size_t changed = testing::ValuesChangedByHint(
+      kHugePageWorthy / sizeof(uint32_t) * 3,
+      [](uint32_t* values) { OfferHugePages(values + 3, kHugePageWorthy * 2); });
+  EXPECT_EQ(changed, 0u);
 }
 
 }  // namespace
